@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "Growth.h"
+
+#include "Timing.h"
+#include "understanding/ExtractionReference.h"
+#include "understanding/HostileTexts.h"
+#include "understanding/InformationExtraction.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
+namespace quillo::benchmark {
+namespace {
+
+constexpr int rounds = 5;
+constexpr qsizetype million = 1'000'000;
+// The plain loop takes minutes for more of some shapes.
+constexpr qsizetype slices[] = {5'000, 20'000};
+
+double nanosecondsPerUnit(double seconds, qsizetype size)
+{
+    return seconds * 1e9 / static_cast<double>(size);
+}
+
+void measureShape(const char* name, const std::function<QString(qsizetype)>& textOf)
+{
+    std::printf("%-24s", name);
+    double least = 0;
+    double most = 0;
+    for (const qsizetype size : {1 * million, 2 * million, 4 * million, 8 * million}) {
+        const QString text = textOf(size);
+        const double time = nanosecondsPerUnit(secondsOf(rounds, [&] { extractItems(text, 0); }), size);
+        std::printf(" %7.2f", time);
+        least = least == 0 ? time : std::min(least, time);
+        most = std::max(most, time);
+    }
+    std::printf(" %7.2f", most / least);
+    for (const qsizetype size : slices) {
+        const QString text = textOf(size);
+        const double time = nanosecondsPerUnit(secondsOf(1, [&] { reference::extractItems(text, 0); }), size);
+        std::printf(" %10.0f", time);
+    }
+    std::printf("\n");
+    std::fflush(stdout);
+}
+
+} // namespace
+
+void measureGrowth(const QString& ordinaryText)
+{
+    std::printf(
+        "\nGrowth: nanoseconds per UTF-16 unit by millions of units; plain ICU on slices of 5,000 and "
+        "20,000 units.\n\n");
+    std::printf(
+        "%-24s %7s %7s %7s %7s %7s %10s %10s\n", "shape", "1 M", "2 M", "4 M", "8 M", "max/min", "ICU 5 k",
+        "ICU 20 k");
+    measureShape("ordinary text", [&](qsizetype size) { return ordinaryText.left(size); });
+    for (const HostileShape& shape : hostileShapes())
+        measureShape(shape.name, shape.text);
+}
+
+} // namespace quillo::benchmark

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "cli/Commands.h"
+#include "cli/MemoryLimit.h"
+#include "cli/Options.h"
+#include "cli/Output.h"
+#include "cli/SafeText.h"
+#include "platform/BundleInfo.h"
+
+#include <QCoreApplication>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+using namespace quillo;
+using namespace quillo::cli;
+
+ExitStatus runArguments(const QStringList& arguments, Output& output, Output& errors)
+{
+    const auto parsed = parseArguments(arguments);
+    if (const auto* const wrong = std::get_if<UsageError>(&parsed)) {
+        errors.write(QCoreApplication::translate("quillo::cli", "quillo-cli: %1 (see quillo-cli --help)\n")
+                         .arg(safeLine(wrong->message)));
+        return ExitStatus::wrongUsage;
+    }
+    if (const auto* const notice = std::get_if<Notice>(&parsed)) {
+        const QString version =
+            BundleInfo::informationValue(u"CFBundleShortVersionString").value_or(QString());
+        output.write(*notice == Notice::help ? helpText() : QStringLiteral("quillo-cli %1\n").arg(version));
+        output.flush();
+        return ExitStatus::success;
+    }
+    return runCommand(std::get<Options>(parsed), output, errors);
+}
+
+} // namespace
+
+// There is no application object: nothing here needs an event loop, and its start would cost more than the
+// rest.
+int main(int argc, char** argv)
+{
+    // Whoever reads our output may stop when it has enough; the next write then fails instead of killing us.
+    std::signal(SIGPIPE, SIG_IGN);
+    limitMemory();
+
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    Output output(stdout);
+    Output errors(stderr);
+    try {
+        return static_cast<int>(runArguments(arguments, output, errors));
+    } catch (const OutputError& error) {
+        if (error.errorNumber == EPIPE)
+            return static_cast<int>(ExitStatus::success);
+        std::fprintf(stderr, "quillo-cli: standard output: %s\n", std::strerror(error.errorNumber));
+        return static_cast<int>(ExitStatus::unreadableInput);
+    }
+}

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdf/AnnotationPicture.h"
+
+#include <QBuffer>
+#include <QGuiApplication>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace pdf {
+namespace {
+
+constexpr int pointsPerInch = 72;
+
+} // namespace
+
+QByteArray drawPicture(const QSizeF& size, const std::function<void(QPainter&)>& draw)
+{
+    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+        return {};
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    writer.setResolution(pointsPerInch);
+    // Qt makes pages of whole points.
+    const QSizeF pageSize(std::max(1.0, std::ceil(size.width())), std::max(1.0, std::ceil(size.height())));
+    writer.setPageSize(QPageSize(pageSize, QPageSize::Point, QString(), QPageSize::ExactMatch));
+    writer.setPageMargins({});
+    QPainter painter;
+    if (!painter.begin(&writer))
+        return {};
+    painter.setRenderHint(QPainter::LosslessImageRendering);
+    painter.translate(0, pageSize.height() - size.height());
+    draw(painter);
+    painter.end();
+    return buffer.data();
+}
+
+} // namespace pdf

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <mupdf/fitz.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace pdf {
+
+/// What the glyphs of one piece of text have in common, in display space.
+struct GlyphRun
+{
+    /// Direction of writing, of length 1.
+    fz_point direction = {1, 0};
+    /// The font size as it is shown.
+    float size = 0;
+    /// Around a point of the line of writing, how far the glyphs reach across it.
+    fz_rect reach = {};
+    /// The same as distances along the direction of writing turned a quarter clockwise.
+    float top = 0;
+    float foot = 0;
+    /// The line of writing runs down the middle of the glyphs instead of along their feet.
+    bool isVertical = false;
+    std::size_t firstGlyph = 0;
+};
+
+/// A glyph of a page's text, in display space.
+struct Glyph
+{
+    /// The character, or -1 where another glyph of the same character has told it already.
+    int character = -1;
+    /// Where the glyph starts on the line of writing.
+    fz_point start = {};
+    /// How far the glyph takes the writing along the line.
+    float advance = 0;
+    /// One more character of the glyph before, without extent of its own.
+    bool isContinuation = false;
+};
+
+/// Takes a page's glyphs in the order of its content.
+class GlyphCollector
+{
+public:
+    GlyphCollector();
+
+    /// The glyphs that follow belong to this run, whose first glyph is set here. False when there is no
+    /// memory; never throws.
+    bool begin(const GlyphRun& run) noexcept;
+    /// False when there are more glyphs than any page has, or no memory; never throws.
+    bool add(const Glyph& glyph) noexcept;
+
+    const std::vector<GlyphRun>& runs() const { return m_runs; }
+    const std::vector<Glyph>& glyphs() const { return m_glyphs; }
+
+private:
+    std::vector<GlyphRun> m_runs;
+    std::vector<Glyph> m_glyphs;
+};
+
+/// The rectangle around a part of a glyph, from one fraction of its advance to another.
+fz_rect glyphBox(const GlyphRun& run, const Glyph& glyph, float from = 0, float to = 1);
+
+} // namespace pdf

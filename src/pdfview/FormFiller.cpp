@@ -1,0 +1,495 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdfview/FormFiller.h"
+
+#include "pdfview/FormNotice.h"
+#include "pdfview/PDFView.h"
+#include "pdfview/TextMarker.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace pdf {
+namespace {
+
+// Fields of so many pages beyond the visible ones are at hand, so that the Tab key needs not wait.
+constexpr int pagesAround = 2;
+
+// View points around a field that has been walked to.
+constexpr double revealMargin = 32.0;
+
+// How strongly the fields are tinted.
+constexpr double tint = 0.1;
+
+constexpr double ringWidth = 2.0;
+
+bool isButton(const PDFFormField& field)
+{
+    return field.kind == FormFieldKind::checkBox || field.kind == FormFieldKind::radioButton;
+}
+
+/// How far one has to go for the range to lie within the room; its start has precedence.
+double distanceInto(double start, double end, double roomStart, double roomEnd)
+{
+    if (start < roomStart)
+        return start - roomStart;
+    return end > roomEnd ? std::min(end - roomEnd, start - roomStart) : 0.0;
+}
+
+} // namespace
+
+FormFiller::FormFiller(PDFView& view)
+    : m_view(view)
+{
+    connect(&view, &PDFView::documentChanged, this, &FormFiller::startDocument);
+    // The first pages come before everything else.
+    connect(&view, &PDFView::firstPagesShown, this, [this] {
+        if (m_jobs)
+            m_jobs->readKind([this](FormJobs::FormKind kind) { takeKind(kind); });
+    });
+    connect(&view, &PDFView::pagesMoved, this, &FormFiller::follow);
+    connect(&view, &PDFView::annotationsOutdated, this, &FormFiller::refresh);
+    connect(&view, &PDFView::annotationsRefreshed, this, &FormFiller::dropAfterimages);
+    connect(&view, &PDFView::pageOutdated, this, [this](int page) {
+        m_pages.erase(page);
+        m_requested.erase(page);
+        dropAfterimages(page);
+        requestPages();
+    });
+}
+
+FormFiller::~FormFiller() = default;
+
+void FormFiller::startDocument()
+{
+    m_editor.reset();
+    m_pages.clear();
+    m_requested.clear();
+    m_afterimages.clear();
+    m_pressed.reset();
+    m_valuesUnderWay = 0;
+    m_hasFields = false;
+    delete m_notice.data();
+    m_jobs = m_view.document() ? std::make_unique<FormJobs>(m_view.document()) : nullptr;
+}
+
+void FormFiller::takeKind(FormJobs::FormKind kind)
+{
+    m_hasFields = kind.hasFields;
+    if (kind.isXFAOnly) {
+        // Made only now, because its first text loads a font, and hardly any document needs it.
+        m_notice = new FormNotice(m_view.viewport());
+        m_notice->place();
+        m_notice->show();
+    }
+    requestPages();
+}
+
+void FormFiller::takePage(const FormPage& page)
+{
+    m_requested.erase(page.page);
+    // While values are on their way the page was read too early; it is read again when they have arrived.
+    if (m_valuesUnderWay > 0 && knownPage(page.page))
+        return;
+    m_pages[page.page] = page;
+    m_view.viewport()->update();
+    if (!m_editor || m_editor->field().widget.page != page.page)
+        return;
+    for (const PDFFormField& field : page.fields) {
+        if (field.widget == m_editor->field().widget) {
+            m_editor->setField(field);
+            placeEditor();
+        }
+    }
+}
+
+void FormFiller::follow()
+{
+    if (m_notice)
+        m_notice->place();
+    requestPages();
+    placeEditor();
+}
+
+void FormFiller::requestPages()
+{
+    if (!m_jobs || !m_hasFields)
+        return;
+    const auto visible = m_view.pageViewport().visiblePages();
+    const int first = std::max(0, visible.first - pagesAround);
+    const int last = std::min(m_view.pageCount() - 1, visible.last + pagesAround);
+    std::erase_if(m_pages, [&](const auto& entry) { return entry.first < first || entry.first > last; });
+    for (int page = first; page <= last; ++page) {
+        if (m_pages.contains(page) || !m_requested.insert(page).second)
+            continue;
+        m_jobs->readPage(page, [this](const FormPage& result) { takePage(result); });
+    }
+}
+
+void FormFiller::refresh(int page)
+{
+    if (!m_jobs)
+        return;
+    // What has been added may be the document's first field.
+    m_hasFields = true;
+    m_requested.insert(page);
+    m_jobs->readPage(page, [this](const FormPage& result) { takePage(result); });
+}
+
+void FormFiller::dropAfterimages(int page)
+{
+    std::erase_if(m_afterimages, [page](const Afterimage& image) { return image.field.widget.page == page; });
+    m_view.viewport()->update();
+}
+
+void FormFiller::paint(QPainter& painter)
+{
+    painter.save();
+    painter.setCompositionMode(QPainter::CompositionMode_Multiply);
+    const QColor highlight = m_view.palette().color(QPalette::Highlight);
+    const auto visible = m_view.pageViewport().visiblePages();
+    for (int page = visible.first; page <= visible.last; ++page) {
+        const FormPage* known = knownPage(page);
+        if (!known)
+            continue;
+        for (const PDFFormField& field : known->fields) {
+            if (field.isFillable())
+                painter.fillRect(rectOf(field), TextMarker::tinted(highlight, tint));
+        }
+    }
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    for (const Afterimage& image : m_afterimages)
+        painter.drawPixmap(editorRect(image.field).toAlignedRect(), image.picture);
+    if (m_editor && m_editor->widget()->isVisible()) {
+        painter.setPen(QPen(highlight, ringWidth));
+        const double out = ringWidth / 2.0;
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.drawRoundedRect(
+            QRectF(m_editor->widget()->geometry()).adjusted(-out, -out, out, out), 2.0, 2.0);
+    }
+    painter.restore();
+}
+
+const FormPage* FormFiller::knownPage(int page) const
+{
+    const auto place = m_pages.find(page);
+    return place == m_pages.end() ? nullptr : &place->second;
+}
+
+const PDFFormField* FormFiller::fieldAt(QPointF viewPoint) const
+{
+    const auto visible = m_view.pageViewport().visiblePages();
+    for (int page = visible.first; page <= visible.last; ++page) {
+        const FormPage* known = knownPage(page);
+        if (!known)
+            continue;
+        const auto place =
+            std::find_if(known->fields.rbegin(), known->fields.rend(), [&](const PDFFormField& field) {
+                return field.isFillable() && rectOf(field).contains(viewPoint);
+            });
+        if (place != known->fields.rend())
+            return &*place;
+    }
+    return nullptr;
+}
+
+QRectF FormFiller::rectOf(const PDFFormField& field) const
+{
+    const FormPage* page = knownPage(field.widget.page);
+    if (!page)
+        return {};
+    const QRectF display = page->pageToDisplay.mapRect(field.bounds);
+    const double scale = m_view.scaleFactor();
+    const QPointF origin = m_view.pageRect(field.widget.page).topLeft();
+    return {display.topLeft() * scale + origin, display.size() * scale};
+}
+
+QRectF FormFiller::editorRect(const PDFFormField& field) const
+{
+    const QRectF rect = rectOf(field);
+    const FormPage* page = knownPage(field.widget.page);
+    if (!page || isButton(field))
+        return rect;
+    // The direction in which the field is read, on the screen.
+    const double angle = field.rotation * M_PI / 180.0;
+    const QTransform& toDisplay = page->pageToDisplay;
+    const QPointF direction =
+        toDisplay.map(QPointF(std::cos(angle), std::sin(angle))) - toDisplay.map(QPointF());
+    if (std::abs(direction.x()) >= std::abs(direction.y()))
+        return rect;
+    QRectF upright(QPointF(), rect.size().transposed());
+    upright.moveCenter(rect.center());
+    return upright;
+}
+
+void FormFiller::open(const PDFFormField& field)
+{
+    close(true);
+    m_editor = FieldEditor::make(field, m_view.viewport());
+    if (!m_editor)
+        return;
+    connectEditor();
+    placeEditor();
+    m_editor->widget()->show();
+    m_editor->widget()->setFocus(Qt::OtherFocusReason);
+    m_view.viewport()->update();
+}
+
+void FormFiller::openAt(const PDFFormField& field, QPoint viewPoint, Qt::KeyboardModifiers modifiers)
+{
+    open(field);
+    if (m_editor)
+        m_editor->enterAt(m_editor->widget()->mapFrom(m_view.viewport(), viewPoint), modifiers);
+}
+
+void FormFiller::openFromKeyboard(const PDFFormField& field)
+{
+    // Scrolling may forget the page that the field belongs to.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): see above
+    const PDFFormField copy = field;
+    reveal(copy);
+    open(copy);
+    if (m_editor)
+        m_editor->enter();
+}
+
+void FormFiller::connectEditor()
+{
+    FieldEditor* editor = m_editor.get();
+    connect(editor, &FieldEditor::committed, this, &FormFiller::commit);
+    connect(editor, &FieldEditor::accepted, this, [this] { close(true); });
+    connect(editor, &FieldEditor::cancelled, this, [this] { close(false); });
+    connect(editor, &FieldEditor::left, this, [this] { close(true); });
+    connect(editor, &FieldEditor::walked, this, &FormFiller::walk);
+    connect(editor, &FieldEditor::stepped, this, &FormFiller::step);
+}
+
+void FormFiller::placeEditor()
+{
+    if (!m_editor || !knownPage(m_editor->field().widget.page))
+        return;
+    m_editor->place(editorRect(m_editor->field()), m_view.scaleFactor());
+}
+
+void FormFiller::reveal(const PDFFormField& field)
+{
+    const int page = field.widget.page;
+    const auto visible = m_view.pageViewport().visiblePages();
+    if (page < visible.first || page > visible.last)
+        m_view.goToPage(page);
+    const QRectF rect = rectOf(field);
+    const QRectF room =
+        QRectF(m_view.viewport()->rect()).adjusted(revealMargin, revealMargin, -revealMargin, -revealMargin);
+    const QPointF distance(
+        distanceInto(rect.left(), rect.right(), room.left(), room.right()),
+        distanceInto(rect.top(), rect.bottom(), room.top(), room.bottom()));
+    if (!distance.isNull())
+        m_view.scrollBy(distance);
+}
+
+void FormFiller::commit()
+{
+    if (!m_editor || !m_editor->isChanged())
+        return;
+    const FormWidget widget = m_editor->field().widget;
+    PDFFormField field = m_editor->field();
+    const FormValue value = m_editor->value();
+    if (takeValue(field, value))
+        return;
+    m_editor->setField(field);
+    spread(field);
+    ++m_valuesUnderWay;
+    m_jobs->setValue(
+        widget, value, [this, widget](const FormJobs::Outcome& outcome) { takeOutcome(widget, outcome); });
+}
+
+void FormFiller::spread(const PDFFormField& field)
+{
+    for (auto& [number, page] : m_pages) {
+        for (PDFFormField& known : page.fields) {
+            if (known.widget == field.widget) {
+                known = field;
+            } else if (known.name == field.name && known.kind == field.kind) {
+                known.text = field.text;
+                known.selection = field.selection;
+                known.isOn =
+                    field.isOn && field.kind == FormFieldKind::checkBox && known.onState == field.onState;
+            }
+        }
+    }
+}
+
+void FormFiller::takeOutcome(const FormWidget& widget, const FormJobs::Outcome& outcome)
+{
+    --m_valuesUnderWay;
+    if (outcome && !outcome->empty()) {
+        for (const int page : *outcome)
+            m_view.refreshAnnotations(page);
+        Q_EMIT valueChanged();
+        return;
+    }
+    // Nothing has become of it; the page shows how it is.
+    if (!outcome)
+        QApplication::beep();
+    std::erase_if(m_afterimages, [&](const Afterimage& image) { return image.field.widget == widget; });
+    refresh(widget.page);
+}
+
+void FormFiller::close(bool keepsValue)
+{
+    if (!m_editor)
+        return;
+    const bool isChanged = keepsValue && m_editor->isChanged();
+    if (isChanged)
+        commit();
+    const std::unique_ptr<FieldEditor> closed = std::move(m_editor);
+    closed->disconnect(this);
+    QWidget* control = closed->widget();
+    QWidget* focused = QApplication::focusWidget();
+    if (focused && (focused == control || control->isAncestorOf(focused)))
+        m_view.setFocus(Qt::OtherFocusReason);
+    // Taken after the keyboard has gone, so that it shows no cursor.
+    if (isChanged && !isButton(closed->field()))
+        m_afterimages.push_back({closed->field(), control->grab()});
+    m_view.viewport()->update();
+}
+
+void FormFiller::walk(bool forward)
+{
+    const FormWidget from = m_editor->field().widget;
+    const FormPage* page = knownPage(from.page);
+    if (!page)
+        return close(true);
+    const auto isFrom = [&](const PDFFormField& field) { return field.widget == from; };
+    const auto isFillable = [](const PDFFormField& field) { return field.isFillable(); };
+    const PDFFormField* next = nullptr;
+    if (forward) {
+        auto place = std::find_if(page->fields.begin(), page->fields.end(), isFrom);
+        if (place != page->fields.end())
+            place = std::find_if(place + 1, page->fields.end(), isFillable);
+        next = place == page->fields.end() ? nullptr : &*place;
+    } else {
+        auto place = std::find_if(page->fields.rbegin(), page->fields.rend(), isFrom);
+        if (place != page->fields.rend())
+            place = std::find_if(place + 1, page->fields.rend(), isFillable);
+        next = place == page->fields.rend() ? nullptr : &*place;
+    }
+    if (next)
+        return openFromKeyboard(*next);
+    close(true);
+    walkFromPage(from.page + (forward ? 1 : -1), forward);
+}
+
+bool FormFiller::walkIn(bool forward)
+{
+    if (!m_hasFields || m_view.currentPageIndex() < 0)
+        return false;
+    walkFromPage(m_view.currentPageIndex(), forward);
+    return true;
+}
+
+void FormFiller::walkFromPage(int page, bool forward)
+{
+    const int step = forward ? 1 : -1;
+    // Pages that are at hand need no waiting.
+    const FormPage* known = knownPage(page);
+    while (known && !known->isFillable()) {
+        page += step;
+        known = knownPage(page);
+    }
+    if (known)
+        return takeFoundPage(*known, forward);
+    m_jobs->findPage(
+        page, step, [this, forward](const std::optional<FormPage>& found) { takeFoundPage(found, forward); });
+}
+
+void FormFiller::takeFoundPage(const std::optional<FormPage>& page, bool forward)
+{
+    if (!page) {
+        Q_EMIT walkedOut(forward);
+        return;
+    }
+    // A copy, since the page may be the one in the map that is about to change.
+    const std::vector<PDFFormField> fields = page->fields;
+    m_pages[page->page] = *page;
+    const auto isFillable = [](const PDFFormField& field) { return field.isFillable(); };
+    const auto first = std::find_if(fields.begin(), fields.end(), isFillable);
+    const auto last = std::find_if(fields.rbegin(), fields.rend(), isFillable);
+    openFromKeyboard(forward ? *first : *last);
+}
+
+void FormFiller::step(bool forward)
+{
+    const PDFFormField from = m_editor->field();
+    const FormPage* page = knownPage(from.widget.page);
+    if (!page)
+        return;
+    std::vector<const PDFFormField*> group;
+    for (const PDFFormField& field : page->fields) {
+        if (field.name == from.name && field.kind == from.kind && field.isFillable())
+            group.push_back(&field);
+    }
+    const auto place = std::find_if(
+        group.begin(), group.end(), [&](const PDFFormField* field) { return field->widget == from.widget; });
+    if (place == group.end() || group.size() < 2)
+        return;
+    const std::size_t count = group.size();
+    const auto index = static_cast<std::size_t>(place - group.begin());
+    openFromKeyboard(*group[(index + (forward ? 1 : count - 1)) % count]);
+    if (m_editor && !m_editor->field().isOn)
+        m_editor->click();
+}
+
+bool FormFiller::mousePress(const QMouseEvent& event)
+{
+    if (event.button() != Qt::LeftButton)
+        return false;
+    const PDFFormField* field = fieldAt(event.position());
+    if (!field) {
+        close(true);
+        return false;
+    }
+    const PDFFormField copy = *field;
+    openAt(copy, event.position().toPoint(), event.modifiers());
+    if (isButton(copy))
+        m_pressed = copy.widget;
+    return true;
+}
+
+bool FormFiller::mouseMove(const QMouseEvent& event)
+{
+    if (event.buttons() != Qt::NoButton)
+        return m_pressed.has_value();
+    const PDFFormField* field = fieldAt(event.position());
+    if (!field)
+        return false;
+    m_view.viewport()->setCursor(
+        field->kind == FormFieldKind::text ? Qt::IBeamCursor : Qt::PointingHandCursor);
+    return true;
+}
+
+bool FormFiller::mouseRelease(const QMouseEvent& event)
+{
+    const auto pressed = std::exchange(m_pressed, std::nullopt);
+    if (!pressed)
+        return false;
+    const PDFFormField* field = fieldAt(event.position());
+    if (field && field->widget == *pressed && m_editor && m_editor->field().widget == *pressed)
+        m_editor->click();
+    return true;
+}
+
+void FormFiller::finish(std::function<void()> then)
+{
+    commit();
+    if (m_jobs)
+        m_jobs->afterAll(std::move(then));
+    else
+        QMetaObject::invokeMethod(this, std::move(then), Qt::QueuedConnection);
+}
+
+} // namespace pdf

@@ -1,0 +1,202 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include "pdf/PDFSelection.h"
+#include "pdfview/PageViewport.h"
+#include "pdfview/TileCache.h"
+#include "pdfview/TilePlan.h"
+#include "pdfview/TileRenderer.h"
+
+#include <QAbstractScrollArea>
+#include <QTransform>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace pdf {
+
+class FormFiller;
+class PDFDocument;
+class PDFViewInput;
+class PageReader;
+class ScrollAnimation;
+class TextSelector;
+
+/// A document as a view takes it: opened and unlocked, with a renderer that may have its first page under
+/// way.
+struct ShownDocument
+{
+    std::shared_ptr<PDFDocument> document;
+    int pageCount = 0;
+    std::shared_ptr<TileRenderer> renderer;
+};
+
+/// Shows the pages of a document one below the other and lets the user scroll and zoom. What stands where is
+/// PageViewport's matter, what has to be drawn TilePlan's, drawing TileRenderer's, what a key or a wheel
+/// means PDFViewInput's and what the mouse selects TextSelector's; the view brings them together.
+///
+/// It never waits for the document: pages are read and drawn on other threads and appear when they are ready.
+/// The surroundings of the pages have the palette's Window colour, the page edges its Mid colour.
+class PDFView : public QAbstractScrollArea
+{
+    Q_OBJECT
+
+public:
+    /// What zooming by hand goes to; setScaleFactor() and fitting may go beyond.
+    static constexpr double smallestScaleFactor = 0.25;
+    static constexpr double largestScaleFactor = 5.0;
+
+    explicit PDFView(QWidget* parent = nullptr);
+    ~PDFView() override;
+
+    /// Null while there is none.
+    const std::shared_ptr<PDFDocument>& document() const { return m_shown.document; }
+    int pageCount() const { return m_shown.pageCount; }
+    /// Shows the first page of the document; a default-made one shows nothing.
+    void setDocument(ShownDocument shown);
+
+    /// View points per page point; 1.0 is 100 %.
+    double scaleFactor() const { return m_scaleFactor; }
+    /// Ends automatic scaling.
+    void setScaleFactor(double factor);
+
+    /// While this is on, the page that was current when it was turned on fills the width of the view.
+    bool autoScales() const { return m_autoScales; }
+    void setAutoScales(bool automatic);
+
+    /// Zooms by hand: the document's point under the given point of the viewport stays there.
+    void zoom(double factor, QPointF viewPoint);
+
+    /// Zero-based; -1 without pages.
+    int currentPageIndex() const { return m_currentPage; }
+    void goToPage(int page);
+    void goToEnd();
+    void goToNextPage();
+    void goToPreviousPage();
+
+    /// Scrolls by view points, at once or smoothly.
+    void scrollBy(QPointF distance);
+    void scrollSmoothlyBy(QPointF distance);
+    bool canScrollSideways() const { return m_viewport.maximumX() > 0; }
+
+    const PageViewport& pageViewport() const { return m_viewport; }
+    /// The page's place in the viewport, in view points.
+    QRectF pageRect(int page) const;
+
+    /// True once firstPagesShown() is certain to come or has come.
+    bool hasShownPages() const { return m_hasShownPages; }
+    /// True when everything visible is drawn for the present scale; a page that cannot be shown counts as
+    /// drawn.
+    bool isSharp() const;
+
+    /// The page under a point of the viewport, in view points, or else -1; the nearest one on request.
+    int page(QPointF viewPoint, bool nearest) const;
+    /// From the page's space to view points; absent while it is not known how the page lies. A page that is
+    /// visible and drawn is known.
+    std::optional<QTransform> pageToView(int page) const;
+
+    /// What the user or a program has selected. Absent when nothing is, and for as long as the text of a
+    /// selection over many pages is still being read.
+    const std::optional<PDFSelection>& currentSelection() const;
+    /// Takes a selection of the shown document; that of another one counts as none.
+    void setCurrentSelection(std::optional<PDFSelection> selection);
+    void clearSelection();
+    void selectAll();
+    /// Copies the selected text to the clipboard, as soon as it is read.
+    void copySelection();
+
+    /// To be called when annotations or form fields of the page look different now. What is on the screen is
+    /// replaced when it is drawn; the page's content is not drawn anew.
+    void refreshAnnotations(int page);
+
+    /// To be called when the page looks or lies different now, such as after it was turned. It is read, laid
+    /// out and drawn anew; until then the screen shows it as it was.
+    void refreshPage(int page);
+
+    /// Hands a form field that is being edited to the document, and calls the function when the document has
+    /// all that was entered; to be waited for before it is saved.
+    void finishEditing(std::function<void()> then);
+
+    QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void documentChanged();
+    void pageChanged();
+    void scaleChanged();
+    void selectionChanged();
+    /// Pages stand elsewhere in the view now, or have another size.
+    void pagesMoved();
+    /// A form field has another value now.
+    void formFilled();
+    /// Annotations of the page look different, see refreshAnnotations().
+    void annotationsOutdated(int page);
+    /// The page looks or lies different, see refreshPage().
+    void pageOutdated(int page);
+    /// After refreshAnnotations(): the page is on the screen as it is now.
+    void annotationsRefreshed(int page);
+    /// The first time that the visible pages of a document are on the screen, sharp or not; at once for a
+    /// document without pages.
+    void firstPagesShown();
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    bool viewportEvent(QEvent* event) override;
+
+private:
+    void paintSelection(QPainter& painter);
+    void takeResults();
+    void take(const TileRenderer::PageSized& result);
+    void take(const TileRenderer::TileDrawn& result);
+    void take(const TileRenderer::PageFailed& result);
+    void applyScale();
+    void fitWidth();
+    /// Brings scroll bars, current page and tiles up to date after the viewport has changed.
+    void follow();
+    void updateScrollBars();
+    void updateCurrentPage();
+    void requestTiles();
+    void outdateTiles(int page);
+    bool isAtHand(const Tile& tile) const;
+    void moveTo(qint64 x, qint64 y);
+    void updateDevicePixelRatio();
+    void announceFirstPages();
+
+    ShownDocument m_shown;
+    PageViewport m_viewport;
+    TileCache m_cache;
+    std::set<int> m_failedPages;
+    /// Pages of which the pictures at hand show another layout than the one to come.
+    std::set<int> m_outdatedPages;
+    std::map<int, QTransform> m_pageToDisplay;
+    double m_fallbackScale = 0.0;
+    double m_scaleFactor = 1.0;
+    double m_devicePixelRatio = 1.0;
+    bool m_autoScales = false;
+    int m_fittedPage = 0;
+    int m_currentPage = -1;
+    ScrollDirection m_direction = ScrollDirection::down;
+    /// Device pixels per step of the scroll bars, more than 1 only where the pixels exceed their range.
+    qint64 m_barUnit = 1;
+    bool m_isMovingBars = false;
+    bool m_hasShownPages = true;
+    ScrollAnimation* m_scrolling;
+    std::unique_ptr<PDFViewInput> m_input;
+    std::unique_ptr<FormFiller> m_forms;
+    std::unique_ptr<PageReader> m_reader;
+    std::unique_ptr<TextSelector> m_selector;
+};
+
+} // namespace pdf

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdfview/PDFView.h"
+#include "pdfview/PageReader.h"
+#include "pdfview/TextMarker.h"
+#include "pdfview/TextSelector.h"
+
+#include <QLineF>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+// The text in the view.
+namespace pdf {
+namespace {
+
+// How strongly the colour of a selection tints the paper.
+constexpr double selectionStrength = 0.4;
+
+double distance(const QRectF& rect, QPointF point)
+{
+    const QPointF nearest(
+        std::clamp(point.x(), rect.left(), rect.right()), std::clamp(point.y(), rect.top(), rect.bottom()));
+    return QLineF(point, nearest).length();
+}
+
+} // namespace
+
+int PDFView::page(QPointF viewPoint, bool nearest) const
+{
+    const auto visible = m_viewport.visiblePages();
+    int best = -1;
+    double least = nearest ? std::numeric_limits<double>::max() : 0.0;
+    for (int page = visible.first; page <= visible.last; ++page) {
+        const double away = distance(pageRect(page), viewPoint);
+        if (away < least || away == 0.0) {
+            least = away;
+            best = page;
+        }
+    }
+    return best;
+}
+
+std::optional<QTransform> PDFView::pageToView(int page) const
+{
+    const auto toDisplay = m_pageToDisplay.find(page);
+    if (toDisplay == m_pageToDisplay.end())
+        return std::nullopt;
+    const QPointF origin = pageRect(page).topLeft();
+    return toDisplay->second * QTransform::fromScale(m_scaleFactor, m_scaleFactor) *
+           QTransform::fromTranslate(origin.x(), origin.y());
+}
+
+const std::optional<PDFSelection>& PDFView::currentSelection() const
+{
+    return m_selector->selection();
+}
+
+void PDFView::setCurrentSelection(std::optional<PDFSelection> selection)
+{
+    m_selector->setSelection(std::move(selection));
+}
+
+void PDFView::clearSelection()
+{
+    setCurrentSelection(std::nullopt);
+}
+
+void PDFView::selectAll()
+{
+    m_selector->selectAll();
+}
+
+void PDFView::copySelection()
+{
+    m_selector->copy();
+}
+
+void PDFView::paintSelection(QPainter& painter)
+{
+    const QColor color = TextMarker::tinted(palette().color(QPalette::Highlight), selectionStrength);
+    const TextMarker marker(*this, *m_reader);
+    const auto visible = m_viewport.visiblePages();
+    for (int page = visible.first; page <= visible.last; ++page) {
+        const TextRange range = m_selector->rangeOn(page);
+        if (range.length > 0)
+            TextMarker::fill(painter, marker.outline(page, range), color);
+    }
+}
+
+} // namespace pdf

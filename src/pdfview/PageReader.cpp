@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdfview/PageReader.h"
+
+#include "pdf/PDFDocument.h"
+#include "pdf/PDFPage.h"
+#include "pdf/TextLayer.h"
+#include "pdfview/JobQueue.h"
+#include "pdfview/PDFView.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace pdf {
+namespace {
+
+// How long the pages have to stand still.
+constexpr std::chrono::milliseconds restTime(80);
+
+// Pages beyond the visible ones that stay at hand.
+constexpr int pagesAround = 2;
+
+PageMatter readMatter(PDFDocument& document, int index, const Cancellation& cancellation)
+{
+    PageMatter matter;
+    // The page may have been scrolled away while others were read.
+    const auto page = cancellation.isCancelled() ? nullptr : document.page(index);
+    if (!page)
+        return matter;
+    matter.links = page->links(cancellation);
+    matter.text = page->text(cancellation);
+    return matter;
+}
+
+} // namespace
+
+PageReader::PageReader(PDFView& view)
+    : m_view(view)
+{
+    m_rest.setSingleShot(true);
+    m_rest.setInterval(restTime);
+    connect(&m_rest, &QTimer::timeout, this, &PageReader::requestPages);
+    connect(&view, &PDFView::documentChanged, this, &PageReader::startDocument);
+    // The first pages come before everything else.
+    connect(&view, &PDFView::firstPagesShown, this, &PageReader::follow);
+    connect(&view, &PDFView::pagesMoved, this, [this] {
+        if (m_jobs && m_view.hasShownPages())
+            follow();
+    });
+}
+
+PageReader::~PageReader()
+{
+    for (const auto& [page, cancellation] : m_requested)
+        cancellation.cancel();
+}
+
+const PageMatter* PageReader::page(int page) const
+{
+    const auto place = m_pages.find(page);
+    return place == m_pages.end() ? nullptr : &place->second;
+}
+
+const TextLayer* PageReader::text(int page) const
+{
+    const PageMatter* matter = this->page(page);
+    return matter ? matter->text.get() : nullptr;
+}
+
+void PageReader::startDocument()
+{
+    for (const auto& [page, cancellation] : m_requested)
+        cancellation.cancel();
+    m_requested.clear();
+    m_pages.clear();
+    m_held.clear();
+    m_rest.stop();
+    m_jobs = m_view.document() ? std::make_unique<JobQueue>() : nullptr;
+}
+
+void PageReader::follow()
+{
+    forgetDistantPages();
+    m_rest.start();
+}
+
+void PageReader::hold(std::set<int> pages)
+{
+    if (pages == m_held)
+        return;
+    m_held = std::move(pages);
+    forgetDistantPages();
+    for (const int page : m_held)
+        request(page);
+}
+
+bool PageReader::isWanted(int page) const
+{
+    if (m_held.contains(page))
+        return true;
+    const auto visible = m_view.pageViewport().visiblePages();
+    return page >= std::max(0, visible.first - pagesAround) &&
+           page <= std::min(m_view.pageCount() - 1, visible.last + pagesAround);
+}
+
+void PageReader::forgetDistantPages()
+{
+    std::erase_if(m_pages, [this](const auto& entry) { return !isWanted(entry.first); });
+    std::erase_if(m_requested, [this](const auto& entry) {
+        if (isWanted(entry.first))
+            return false;
+        entry.second.cancel();
+        return true;
+    });
+}
+
+void PageReader::requestPages()
+{
+    const auto visible = m_view.pageViewport().visiblePages();
+    for (int page = visible.first; page <= visible.last; ++page)
+        request(page);
+}
+
+void PageReader::request(int page)
+{
+    if (!m_jobs || m_pages.contains(page) || m_requested.contains(page))
+        return;
+    const Cancellation cancellation;
+    m_requested.emplace(page, cancellation);
+    m_jobs->add(
+        [document = m_view.document(), page, cancellation] {
+            return readMatter(*document, page, cancellation);
+        },
+        [this, page, cancellation](const PageMatter& matter) {
+            if (!cancellation.isCancelled())
+                take(page, matter);
+        });
+}
+
+void PageReader::take(int page, const PageMatter& matter)
+{
+    m_requested.erase(page);
+    m_pages[page] = matter;
+    Q_EMIT pageRead(page);
+}
+
+} // namespace pdf

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include "pdfview/JobQueue.h"
+
+#include <QWidget>
+
+namespace pdf {
+class PDFView;
+} // namespace pdf
+
+namespace quillo {
+
+class AnalyticsService;
+class DocumentState;
+class InteractivePDFKitView;
+class ViewerToolbar;
+
+/// The document pane of a window: a toolbar above the page view. It shows the file that the document state
+/// names and writes the current page back into the state.
+class PDFViewer : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// State and service must outlive the viewer.
+    PDFViewer(DocumentState* documentState, AnalyticsService& analyticsService, QWidget* parent = nullptr);
+
+    double zoomLevel() const { return m_zoomLevel; }
+
+public Q_SLOTS:
+    void previousPage();
+    void nextPage();
+    /// By a quarter, between 25 % and 500 %.
+    void zoomOut();
+    void zoomIn();
+    /// The current page fills the width, until the zoom is changed by hand.
+    void zoomToFit();
+    /// The current page by a quarter turn.
+    void rotateLeft();
+    void rotateRight();
+
+Q_SIGNALS:
+    /// The first pages of what was opened last are on the screen, or it is certain that there will be none.
+    void documentResolved();
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void setZoomLevel(double zoomLevel, const QString& direction);
+    void rotate(int degrees, const QString& direction);
+    void turnPage(int page, int degrees);
+    void recordNavigation(const QString& direction);
+    void showPage();
+    void applyTheme();
+
+    DocumentState* const m_documentState;
+    AnalyticsService& m_analyticsService;
+    pdf::PDFView* m_pdfView;
+    InteractivePDFKitView* m_bridge;
+    ViewerToolbar* m_toolbar;
+    double m_zoomLevel = 1.0;
+    pdf::JobQueue m_turning;
+};
+
+} // namespace quillo

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdf/FormFile.h"
+#include "pdfview/ViewSupport.h"
+#include "support/Printing.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QTest>
+#include <QThreadPool>
+
+#include <atomic>
+#include <cstdio>
+#include <random>
+
+namespace pdf {
+namespace {
+
+constexpr int defaultSeconds = 4;
+constexpr int textPages = 4;
+constexpr int pageCount = 12;
+
+std::chrono::seconds duration()
+{
+    const int asked = qEnvironmentVariableIntValue("QUILLO_TEST_SECONDS");
+    return std::chrono::seconds(asked > 0 ? asked : defaultSeconds);
+}
+
+/// Does whatever a person may do with a view, in any order and without waiting for anything, while pages are
+/// drawn and read, searched and saved on other threads.
+class RandomUseTest : public PDFViewFixture
+{
+protected:
+    RandomUseTest() { m_background.setMaxThreadCount(2); }
+    ~RandomUseTest() override { m_background.waitForDone(); }
+
+    static QByteArray manyPages()
+    {
+        FormFile file;
+        for (int page = 0; page < textPages; ++page)
+            file.writer().addPage(showText(72, 700, "Here is some text to be selected and searched."));
+        for (int page = textPages; page < pageCount; ++page) {
+            if (page > textPages)
+                file.endPage();
+            file.setPageEntries(
+                page % 3 == 0 ? "/MediaBox[0 0 400 300]/Rotate 90" : "/MediaBox[0 0 300 400]");
+            const QByteArray number = QByteArray::number(page);
+            file.add("/FT/Tx/T(text" + number + ")/DA(/Helv 12 Tf 0 g)/Rect[20 240 200 260]");
+            file.add("/FT/Tx/Ff 4096/T(lines" + number + ")/DA(/Helv 0 Tf 0 g)/Rect[20 150 200 220]");
+            file.add("/FT/Ch/Ff 131072/T(choice" + number + ")/Opt[(One)(Two)]/Rect[20 120 200 140]");
+        }
+        return file.bytes();
+    }
+
+    void reopen()
+    {
+        m_view->setDocument(opened(m_path));
+        m_document = m_view->document();
+    }
+
+    int number(int below) { return static_cast<int>(m_random() % static_cast<unsigned>(below)); }
+    QPoint place() { return {number(m_view->viewport()->width()), number(m_view->viewport()->height())}; }
+
+    void scroll()
+    {
+        static constexpr Qt::Key keys[] = {Qt::Key_PageDown, Qt::Key_PageUp, Qt::Key_Home, Qt::Key_End,
+                                           Qt::Key_Down,     Qt::Key_Space,  Qt::Key_Right};
+        if (number(2) == 0)
+            QTest::keyClick(m_view.get(), keys[number(std::size(keys))]);
+        else
+            m_view->scrollSmoothlyBy(QPointF(number(100) - 50, number(2000) - 1000));
+    }
+
+    void zoom()
+    {
+        if (number(4) == 0)
+            m_view->setAutoScales(true);
+        else
+            m_view->zoom(number(2) == 0 ? 1.3 : 0.7, place());
+    }
+
+    void turn()
+    {
+        const int page = number(pageCount);
+        EXPECT_TRUE(m_document->page(page)->setRotation(90 * number(4)));
+        m_view->refreshPage(page);
+    }
+
+    void select()
+    {
+        switch (number(4)) {
+        case 0:
+            return m_view->selectAll();
+        case 1:
+            return m_view->copySelection();
+        case 2:
+            return QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place());
+        default:
+            QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, place());
+            QTest::mouseMove(m_view->viewport(), place());
+            QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, place());
+        }
+    }
+
+    void fill()
+    {
+        const int page = number(pageCount);
+        m_view->goToPage(page);
+        const auto toView = m_view->pageToView(page);
+        if (!toView)
+            return;
+        const QPointF field(100, number(2) == 0 ? 250 : 180);
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, toView->map(field).toPoint());
+        if (QWidget* editor = QApplication::focusWidget()) {
+            QTest::keyClicks(editor, QStringLiteral("typed %1").arg(number(1000)));
+            QTest::keyClick(editor, Qt::Key_Tab);
+        }
+    }
+
+    void search()
+    {
+        m_search.cancel();
+        m_search = Cancellation();
+        m_document->beginFindString(
+            QStringLiteral("e"), FindOption::caseInsensitive, m_search,
+            [this](const std::vector<TextMatch>& matches, bool) { m_matches += matches.size(); });
+    }
+
+    void save()
+    {
+        m_view->finishEditing([this, document = m_document] {
+            m_background.start(
+                [this, document, target = m_folder.path(QStringLiteral("%1.pdf").arg(++m_saves))] {
+                    m_failures += document->write(target, Overwrite::always) ? 0 : 1;
+                });
+        });
+    }
+
+    void doAnything()
+    {
+        switch (number(20)) {
+        case 0:
+            return save();
+        case 1:
+            return m_view->resize(200 + number(600), 200 + number(600));
+        case 2:
+            return number(10) == 0 ? reopen() : search();
+        case 3:
+            return turn();
+        case 4:
+        case 5:
+        case 6:
+            return select();
+        case 7:
+        case 8:
+        case 9:
+            return fill();
+        case 10:
+        case 11:
+        case 12:
+            return zoom();
+        default:
+            return scroll();
+        }
+    }
+
+    std::vector<QString> values(PDFDocument& document)
+    {
+        std::vector<QString> result;
+        for (int page = 0; page < document.pageCount(); ++page) {
+            result.push_back(QString::number(document.page(page)->rotation()));
+            const auto fields = document.page(page)->formFields();
+            EXPECT_TRUE(fields);
+            if (!fields)
+                continue;
+            for (const PDFFormField& field : *fields)
+                result.push_back(field.text);
+        }
+        return result;
+    }
+
+    std::mt19937 m_random{1};
+    QString m_path;
+    std::shared_ptr<PDFDocument> m_document;
+    QThreadPool m_background;
+    Cancellation m_search;
+    int m_saves = 0;
+    std::atomic<int> m_failures = 0;
+    std::atomic<std::size_t> m_matches = 0;
+};
+
+TEST_F(RandomUseTest, LosesNothingWhateverIsDoneInWhateverOrder)
+{
+    m_path = m_folder.write(QStringLiteral("form.pdf"), manyPages());
+    show(opened(m_path), {500, 600});
+    m_document = m_view->document();
+    m_view->activateWindow();
+
+    int actions = 0;
+    for (const QDeadlineTimer deadline(duration()); !deadline.hasExpired(); ++actions) {
+        doAnything();
+        QTest::qWait(number(4));
+    }
+    bool isFinished = false;
+    m_view->finishEditing([&isFinished] { isFinished = true; });
+    ASSERT_TRUE(QTest::qWaitFor([&isFinished] { return isFinished; }));
+    m_background.waitForDone();
+    std::printf(
+        "%d actions, %d saves, %zu matches found\n", actions, m_saves, static_cast<std::size_t>(m_matches));
+    EXPECT_EQ(m_failures, 0);
+
+    const QString target = m_folder.path(QStringLiteral("at the end.pdf"));
+    ASSERT_TRUE(m_document->write(target));
+    const auto saved = PDFDocument::open(target);
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(values(**saved), values(*m_document));
+    EXPECT_EQ((*saved)->pageCount(), pageCount);
+}
+
+} // namespace
+} // namespace pdf
