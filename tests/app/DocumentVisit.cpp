@@ -59,8 +59,7 @@ DocumentVisit::DocumentVisit()
 {
     m_viewer.resize(900, 800);
     m_viewer.show();
-    m_viewer.activateWindow();
-    waitFor([this] { return m_viewer.isActiveWindow(); });
+    activate();
     QObject::connect(&m_viewer, &PDFViewer::documentResolved, &m_viewer, [this] { m_isResolved = true; });
     QObject::connect(&m_refusal, &QTimer::timeout, &m_viewer, [] {
         if (isDialogOpen<PasswordDialog>())
@@ -85,6 +84,12 @@ void DocumentVisit::step(const char* name, const std::function<void()>& work)
 void DocumentVisit::waitFor(const std::function<bool()>& isDone)
 {
     EXPECT_TRUE(QTest::qWaitFor(isDone, patience)) << "it does not end";
+}
+
+void DocumentVisit::activate()
+{
+    m_viewer.activateWindow();
+    waitFor([this] { return m_viewer.isActiveWindow(); });
 }
 
 void DocumentVisit::waitUntilDrawn()
@@ -152,6 +157,8 @@ int DocumentVisit::typeIntoFields(int most)
 {
     int count = 0;
     step("typing", [&] {
+        // Where nothing manages the windows, none is active once the dialog for a password has closed.
+        activate();
         m_view->goToPage(0);
         m_view->setFocus();
         while (count < most) {

@@ -45,6 +45,7 @@ public:
 private:
     void step(const char* name, const std::function<void()>& work);
     void waitFor(const std::function<bool()>& isDone);
+    void activate();
     void waitUntilDrawn();
     int countMatches(const QString& word);
 
