@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/FormFiller.h"
 
+#include "pdfview/FocusRing.h"
 #include "pdfview/FormNotice.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/TextMarker.h"
@@ -25,19 +26,9 @@ constexpr double revealMargin = 32.0;
 // How strongly the fields are tinted.
 constexpr double tint = 0.1;
 
-constexpr double ringWidth = 2.0;
-
 bool isButton(const PDFFormField& field)
 {
     return field.kind == FormFieldKind::checkBox || field.kind == FormFieldKind::radioButton;
-}
-
-/// How far one has to go for the range to lie within the room; its start has precedence.
-double distanceInto(double start, double end, double roomStart, double roomEnd)
-{
-    if (start < roomStart)
-        return start - roomStart;
-    return end > roomEnd ? std::min(end - roomEnd, start - roomStart) : 0.0;
 }
 
 } // namespace
@@ -164,13 +155,8 @@ void FormFiller::paint(QPainter& painter)
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     for (const Afterimage& image : m_afterimages)
         painter.drawPixmap(editorRect(image.field).toAlignedRect(), image.picture);
-    if (m_editor && m_editor->widget()->isVisible()) {
-        painter.setPen(QPen(highlight, ringWidth));
-        const double out = ringWidth / 2.0;
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.drawRoundedRect(
-            QRectF(m_editor->widget()->geometry()).adjusted(-out, -out, out, out), 2.0, 2.0);
-    }
+    if (m_editor && m_editor->widget()->isVisible())
+        paintFocusRing(painter, m_editor->widget()->geometry(), highlight);
     painter.restore();
 }
 
@@ -281,14 +267,7 @@ void FormFiller::reveal(const PDFFormField& field)
     const auto visible = m_view.pageViewport().visiblePages();
     if (page < visible.first || page > visible.last)
         m_view.goToPage(page);
-    const QRectF rect = rectOf(field);
-    const QRectF room =
-        QRectF(m_view.viewport()->rect()).adjusted(revealMargin, revealMargin, -revealMargin, -revealMargin);
-    const QPointF distance(
-        distanceInto(rect.left(), rect.right(), room.left(), room.right()),
-        distanceInto(rect.top(), rect.bottom(), room.top(), room.bottom()));
-    if (!distance.isNull())
-        m_view.scrollBy(distance);
+    m_view.reveal(rectOf(field), revealMargin);
 }
 
 void FormFiller::commit()

@@ -3,6 +3,7 @@
 
 #include "pdf/PDFDocument.h"
 #include "pdfview/FormFiller.h"
+#include "pdfview/LinkFollower.h"
 #include "pdfview/PDFViewInput.h"
 #include "pdfview/PagePainter.h"
 #include "pdfview/PageReader.h"
@@ -10,12 +11,14 @@
 #include "pdfview/TextSelector.h"
 
 #include <QEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -50,6 +53,7 @@ PDFView::PDFView(QWidget* parent)
     , m_forms(std::make_unique<FormFiller>(*this))
     , m_reader(std::make_unique<PageReader>(*this))
     , m_selector(std::make_unique<TextSelector>(*this, *m_reader))
+    , m_links(std::make_unique<LinkFollower>(*this, *m_reader))
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -60,8 +64,10 @@ PDFView::PDFView(QWidget* parent)
     viewport()->setMouseTracking(true);
     connect(m_forms.get(), &FormFiller::valueChanged, this, &PDFView::formFilled);
     connect(m_forms.get(), &FormFiller::walkedOut, this, [this](bool forward) {
-        QAbstractScrollArea::focusNextPrevChild(forward);
+        if (!forward || !m_links->walk(true))
+            QAbstractScrollArea::focusNextPrevChild(forward);
     });
+    connect(m_links.get(), &LinkFollower::addressFollowed, this, &PDFView::addressFollowed);
     connect(m_selector.get(), &TextSelector::selectionChanged, this, &PDFView::selectionChanged);
     const auto repaint = qOverload<>(&QWidget::update);
     connect(m_selector.get(), &TextSelector::rangeChanged, viewport(), repaint);
@@ -89,6 +95,9 @@ void PDFView::setDocument(ShownDocument shown)
     m_pageToDisplay.clear();
     m_fallbackScale = 0.0;
     m_fittedPage = 0;
+    m_arrival.reset();
+    m_placesBefore.clear();
+    m_placesAfter.clear();
     m_hasShownPages = false;
     const QSize size = m_viewport.size();
     m_viewport = PageViewport(m_shown.pageCount);
@@ -117,10 +126,12 @@ void PDFView::takeResults()
         isLayoutChanged |= !std::holds_alternative<TileRenderer::TileDrawn>(result);
         std::visit([this](const auto& value) { take(value); }, result);
     }
-    if (isLayoutChanged)
+    if (isLayoutChanged) {
         follow();
-    else
+        arrive();
+    } else {
         viewport()->update();
+    }
 }
 
 void PDFView::take(const TileRenderer::PageSized& result)
@@ -215,30 +226,6 @@ void PDFView::applyScale()
     m_viewport.setScale(scale);
 }
 
-void PDFView::goToPage(int page)
-{
-    m_scrolling->stop();
-    m_viewport.goToPage(page);
-    follow();
-}
-
-void PDFView::goToEnd()
-{
-    m_scrolling->stop();
-    m_viewport.goToEnd();
-    follow();
-}
-
-void PDFView::goToNextPage()
-{
-    goToPage(m_currentPage + 1);
-}
-
-void PDFView::goToPreviousPage()
-{
-    goToPage(m_currentPage - 1);
-}
-
 void PDFView::scrollBy(QPointF distance)
 {
     m_scrolling->stop();
@@ -259,6 +246,7 @@ void PDFView::scrollSmoothlyBy(QPointF distance)
 void PDFView::moveTo(qint64 x, qint64 y)
 {
     const qint64 before = m_viewport.y();
+    m_arrival.reset();
     m_viewport.scrollTo(x, y);
     if (m_viewport.y() != before)
         m_direction = m_viewport.y() > before ? ScrollDirection::down : ScrollDirection::up;
@@ -426,6 +414,7 @@ void PDFView::paintEvent(QPaintEvent* event)
     painter.scale(m_devicePixelRatio, m_devicePixelRatio);
     paintSelection(painter);
     m_forms->paint(painter);
+    m_links->paint(painter);
     if (m_viewport.layout().hasSizes() && !pages.isAnythingMissing())
         announceFirstPages();
 }
@@ -447,12 +436,16 @@ void PDFView::wheelEvent(QWheelEvent* event)
 void PDFView::keyPressEvent(QKeyEvent* event)
 {
     // QAbstractScrollArea's own keys would move the bars behind the input's back.
-    event->setAccepted(m_input->keyPress(*event));
+    event->setAccepted(m_links->keyPress(*event) || m_input->keyPress(*event));
 }
 
 void PDFView::mousePressEvent(QMouseEvent* event)
 {
-    event->setAccepted(m_forms->mousePress(*event) || m_selector->mousePress(*event));
+    if (m_forms->mousePress(*event))
+        return;
+    // Where a link is, text may be selected as well; only the release tells which was meant.
+    m_links->mousePress(*event);
+    event->setAccepted(m_selector->mousePress(*event));
 }
 
 void PDFView::mouseDoubleClickEvent(QMouseEvent* event)
@@ -462,18 +455,31 @@ void PDFView::mouseDoubleClickEvent(QMouseEvent* event)
 
 void PDFView::mouseMoveEvent(QMouseEvent* event)
 {
-    if (!m_forms->mouseMove(*event) && !m_selector->mouseMove(*event))
+    if (!m_forms->mouseMove(*event) && !m_links->mouseMove(*event) && !m_selector->mouseMove(*event))
         viewport()->unsetCursor();
 }
 
 void PDFView::mouseReleaseEvent(QMouseEvent* event)
 {
-    event->setAccepted(m_forms->mouseRelease(*event) || m_selector->mouseRelease(*event));
+    if (m_forms->mouseRelease(*event))
+        return;
+    const bool isText = m_selector->mouseRelease(*event);
+    event->setAccepted(m_links->mouseRelease(*event) || isText);
+}
+
+void PDFView::focusOutEvent(QFocusEvent* event)
+{
+    m_links->dropKeyboard();
+    QAbstractScrollArea::focusOutEvent(event);
 }
 
 bool PDFView::focusNextPrevChild(bool next)
 {
-    return m_forms->walkIn(next) || QAbstractScrollArea::focusNextPrevChild(next);
+    // The form fields come first, then the links.
+    const bool walksInForm = next && !m_links->hasKeyboard() && m_forms->walkIn(true);
+    if (walksInForm || m_links->walk(next) || (!next && m_forms->walkIn(false)))
+        return true;
+    return QAbstractScrollArea::focusNextPrevChild(next);
 }
 
 void PDFView::finishEditing(std::function<void()> then)
@@ -485,7 +491,17 @@ bool PDFView::viewportEvent(QEvent* event)
 {
     if (event->type() == QEvent::NativeGesture && m_input->gesture(*static_cast<QNativeGestureEvent*>(event)))
         return true;
+    if (event->type() == QEvent::ToolTip)
+        return showHint(*static_cast<QHelpEvent*>(event));
     return QAbstractScrollArea::viewportEvent(event);
+}
+
+bool PDFView::showHint(const QHelpEvent& event) const
+{
+    const auto hint = m_links->hintAt(event.pos());
+    // An empty text hides the hint that is there.
+    QToolTip::showText(event.globalPos(), hint.text, viewport(), hint.area.toAlignedRect());
+    return true;
 }
 
 } // namespace pdf

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/PDFLink.h"
 #include "pdf/PDFSelection.h"
 #include "pdfview/PageViewport.h"
 #include "pdfview/TileCache.h"
@@ -15,10 +16,15 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <vector>
+
+class QHelpEvent;
+class QUrl;
 
 namespace pdf {
 
 class FormFiller;
+class LinkFollower;
 class PDFDocument;
 class PDFViewInput;
 class PageReader;
@@ -36,7 +42,8 @@ struct ShownDocument
 
 /// Shows the pages of a document one below the other and lets the user scroll and zoom. What stands where is
 /// PageViewport's matter, what has to be drawn TilePlan's, drawing TileRenderer's, what a key or a wheel
-/// means PDFViewInput's and what the mouse selects TextSelector's; the view brings them together.
+/// means PDFViewInput's, what the mouse selects TextSelector's and where a link leads LinkFollower's; the
+/// view brings them together.
 ///
 /// It never waits for the document: pages are read and drawn on other threads and appear when they are ready.
 /// The surroundings of the pages have the palette's Window colour, the page edges its Mid colour.
@@ -76,6 +83,21 @@ public:
     void goToEnd();
     void goToNextPage();
     void goToPreviousPage();
+    /// Brings the place to the upper left of the view, as far as the document goes; as soon as it is known
+    /// how the page lies, unless the user has gone on by then.
+    void goTo(const PDFDestination& destination);
+    /// What is at the upper left of the view, or about to be. Absent without pages.
+    std::optional<PDFDestination> currentDestination() const;
+
+    /// goTo() as by a link: goBack() returns to where it was followed.
+    void follow(const PDFDestination& destination);
+    /// To where the last link was followed, and there again. Nothing happens when there is no such place.
+    void goBack();
+    void goForward();
+
+    /// Scrolls by as little as brings a rectangle of the viewport into view, in view points, with so much
+    /// room around it.
+    void reveal(const QRectF& rect, double margin);
 
     /// Scrolls by view points, at once or smoothly.
     void scrollBy(QPointF distance);
@@ -127,6 +149,9 @@ Q_SIGNALS:
     void pageChanged();
     void scaleChanged();
     void selectionChanged();
+    /// A link to an address of the web or of somebody's mail was followed. The view leaves it at that:
+    /// whoever listens shows where it leads and opens it.
+    void addressFollowed(const QUrl& address);
     /// Pages stand elsewhere in the view now, or have another size.
     void pagesMoved();
     /// A form field has another value now.
@@ -152,6 +177,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     bool viewportEvent(QEvent* event) override;
 
@@ -171,6 +197,11 @@ private:
     void outdateTiles(int page);
     bool isAtHand(const Tile& tile) const;
     void moveTo(qint64 x, qint64 y);
+    /// Brings the place that was gone to into view, once it is known where that is.
+    void arrive();
+    void goAlong(std::vector<PDFDestination>& way, std::vector<PDFDestination>& wayBack);
+    void remember(std::vector<PDFDestination>& places) const;
+    bool showHint(const QHelpEvent& event) const;
     void updateDevicePixelRatio();
     void announceFirstPages();
 
@@ -193,10 +224,15 @@ private:
     bool m_isMovingBars = false;
     bool m_hasShownPages = true;
     ScrollAnimation* m_scrolling;
+    /// Where the view is to go when it is known how that page lies.
+    std::optional<PDFDestination> m_arrival;
+    std::vector<PDFDestination> m_placesBefore;
+    std::vector<PDFDestination> m_placesAfter;
     std::unique_ptr<PDFViewInput> m_input;
     std::unique_ptr<FormFiller> m_forms;
     std::unique_ptr<PageReader> m_reader;
     std::unique_ptr<TextSelector> m_selector;
+    std::unique_ptr<LinkFollower> m_links;
 };
 
 } // namespace pdf

@@ -61,6 +61,14 @@ bool PDFViewInput::keyPress(const QKeyEvent& event)
         m_view.selectAll();
         return true;
     }
+    if (event.matches(QKeySequence::Back)) {
+        m_view.goBack();
+        return true;
+    }
+    if (event.matches(QKeySequence::Forward)) {
+        m_view.goForward();
+        return true;
+    }
     const double pageDistance = m_view.viewport()->height() * pageKeyPart;
     const bool isShifted = event.modifiers() & Qt::ShiftModifier;
     switch (event.key()) {

@@ -10,6 +10,7 @@
 #include "pdfview/PDFView.h"
 #include "platform/Theme.h"
 #include "viewer/InteractivePDFKitView.h"
+#include "viewer/LinkDialog.h"
 #include "viewer/ViewerToolbar.h"
 
 #include <QApplication>
@@ -45,7 +46,9 @@ PDFViewer::PDFViewer(DocumentState* documentState, AnalyticsService& analyticsSe
     m_pdfView->setVerticalScrollBar(new QuietScrollBar(Qt::Vertical));
     m_pdfView->setHorizontalScrollBar(new QuietScrollBar(Qt::Horizontal));
     // Otherwise the style draws a frame where the two bars meet.
-    m_pdfView->setCornerWidget(new QWidget);
+    auto* corner = new QWidget;
+    corner->setAutoFillBackground(true);
+    m_pdfView->setCornerWidget(corner);
 
     connect(m_toolbar, &ViewerToolbar::previousPageRequested, this, &PDFViewer::previousPage);
     connect(m_toolbar, &ViewerToolbar::nextPageRequested, this, &PDFViewer::nextPage);
@@ -55,6 +58,7 @@ PDFViewer::PDFViewer(DocumentState* documentState, AnalyticsService& analyticsSe
     connect(m_toolbar, &ViewerToolbar::rotateLeftRequested, this, &PDFViewer::rotateLeft);
     connect(m_toolbar, &ViewerToolbar::rotateRightRequested, this, &PDFViewer::rotateRight);
 
+    connect(m_pdfView, &pdf::PDFView::addressFollowed, this, &PDFViewer::showLink);
     connect(m_bridge, &InteractivePDFKitView::currentPageChanged, m_documentState, [this](int page) {
         m_documentState->setCurrentPage(page);
     });
@@ -142,6 +146,13 @@ void PDFViewer::turnPage(int page, int degrees)
             else
                 QApplication::beep();
         });
+}
+
+void PDFViewer::showLink(const QUrl& address)
+{
+    auto* dialog = new LinkDialog(address, window());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 void PDFViewer::setZoomLevel(double zoomLevel, const QString& direction)

@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+class QUrl;
+
 namespace pdf {
 class PDFView;
 } // namespace pdf
@@ -51,6 +53,7 @@ private:
     void setZoomLevel(double zoomLevel, const QString& direction);
     void rotate(int degrees, const QString& direction);
     void turnPage(int page, int degrees);
+    void showLink(const QUrl& address);
     void recordNavigation(const QString& direction);
     void showPage();
     void applyTheme();

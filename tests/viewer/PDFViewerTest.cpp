@@ -70,6 +70,16 @@ TEST_F(PDFViewerTest, OpensAt100Percent)
     EXPECT_EQ(view().scaleFactor(), 1.0);
 }
 
+TEST_F(PDFViewerTest, SurroundsThePagesWithOneColour)
+{
+    showDocument(3);
+    const QImage picture = view().grab().toImage();
+    const QColor surroundings = view().palette().color(QPalette::Window);
+    EXPECT_EQ(picture.pixelColor(2, 2), surroundings);
+    EXPECT_EQ(picture.pixelColor(picture.width() - 3, picture.height() - 3), surroundings)
+        << "below the scroll bar";
+}
+
 TEST_F(PDFViewerTest, LabelsThePageFromOne)
 {
     show();
