@@ -8,6 +8,9 @@
 #include <cstdio>
 
 namespace pdf::annotations {
+
+const char* const picturePath = "AP/N";
+
 namespace {
 
 constexpr int isPrinted = 1 << 2;
@@ -126,7 +129,7 @@ void writeAppearance(
     appearance.first = pdf_xref_len(ctx, document);
     const fz_rect box = {
         0, 0, static_cast<float>(content.bounds.width()), static_cast<float>(content.bounds.height())};
-    pdf_obj* picture = graftPage(ctx, document, content.picture, box);
+    pdf_obj* picture = graftPage(ctx, document, content.picture.file, box);
     fz_try(ctx)
     {
         appearance.end = pdf_xref_len(ctx, document);

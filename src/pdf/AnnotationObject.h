@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/DrawnPage.h"
+
 #include <QByteArray>
 #include <QColor>
 #include <QRectF>
@@ -26,8 +28,8 @@ struct Content
     QByteArray defaultAppearance;
     /// 0 left, 1 centred, 2 right.
     int quadding = 0;
-    /// A PDF file of one page that shows the annotation; its lower left corner is that of the bounds.
-    QByteArray picture;
+    /// Shows the annotation; the page's lower left corner is that of the bounds.
+    DrawnPage picture;
 
     // A text field.
     bool isField = false;
@@ -56,6 +58,9 @@ void writeContents(fz_context* ctx, pdf_obj* annotation, const QByteArray& conte
 void write(
     fz_context* ctx, pdf_document* document, pdf_obj* annotation, const Content& content,
     ObjectRange& appearance);
+
+/// Where the picture is in the annotation.
+extern const char* const picturePath;
 
 /// Takes the annotation, its pop-up note and its form field out of the document. `appearance` is deleted too.
 void remove(

@@ -3,9 +3,7 @@
 
 #include <QBuffer>
 #include <QGuiApplication>
-#include <QPageSize>
 #include <QPainter>
-#include <QPdfWriter>
 
 #include <algorithm>
 #include <cmath>
@@ -17,26 +15,23 @@ constexpr int pointsPerInch = 72;
 
 } // namespace
 
-QByteArray drawPicture(const QSizeF& size, const std::function<void(QPainter&)>& draw)
+DrawnPage drawPicture(const QSizeF& size, const std::function<void(QPainter&)>& draw)
 {
     if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return {};
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    QPdfWriter writer(&buffer);
-    writer.setResolution(pointsPerInch);
     // Qt makes pages of whole points.
     const QSizeF pageSize(std::max(1.0, std::ceil(size.width())), std::max(1.0, std::ceil(size.height())));
-    writer.setPageSize(QPageSize(pageSize, QPageSize::Point, QString(), QPageSize::ExactMatch));
-    writer.setPageMargins({});
+    PageRecorder page(&buffer, pageSize, pointsPerInch);
     QPainter painter;
-    if (!painter.begin(&writer))
+    if (!painter.begin(&page))
         return {};
     painter.setRenderHint(QPainter::LosslessImageRendering);
     painter.translate(0, pageSize.height() - size.height());
     draw(painter);
     painter.end();
-    return buffer.data();
+    return {buffer.data(), page.takeText()};
 }
 
 } // namespace pdf

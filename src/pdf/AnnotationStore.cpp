@@ -4,6 +4,7 @@
 #include "pdf/AnnotationPicture.h"
 #include "pdf/Engine.h"
 #include "pdf/Handles.h"
+#include "pdf/ToUnicode.h"
 
 #include <QFontInfo>
 
@@ -176,7 +177,7 @@ AnnotationStore::writeOwn(PDFAnnotation& annotation, State& state, Entry* entry,
 
     annotations::Content content = contentOf(annotation, state, entry == nullptr);
     content.picture = drawPicture(size, [&](QPainter& painter) { annotation.draw(painter, size); });
-    if (content.picture.isEmpty())
+    if (content.picture.file.isEmpty())
         return PDFError{PDFError::Code::damaged, QStringLiteral("the annotation cannot be drawn")};
     if (!entry) {
         entry = &m_entries.emplace_back();
@@ -189,6 +190,9 @@ AnnotationStore::writeOwn(PDFAnnotation& annotation, State& state, Entry* entry,
                 annotations::add(ctx, m_document.document, pageObject(ctx, state.pageIndex), content);
         annotations::write(ctx, m_document.document, entry->object, content, entry->appearance);
     });
+    if (!error && !content.picture.text.empty())
+        error = writeToUnicode(
+            scope, m_document.document, entry->object, annotations::picturePath, content.picture.text);
     if (!error)
         entry->drawnSize = size;
     else if (!entry->object)

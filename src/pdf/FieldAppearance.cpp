@@ -4,6 +4,7 @@
 #include "pdf/ContentStream.h"
 #include "pdf/FieldLayout.h"
 #include "pdf/FieldTree.h"
+#include "pdf/GraftedPage.h"
 #include "pdf/SystemText.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@ namespace pdf {
 
 const char* const symbolFontName = "ZaDb";
 const char* const defaultFontName = "Helv";
+const char* const textPagePath = "AP/N/Resources/XObject/Text";
 
 namespace {
 
@@ -91,45 +93,6 @@ fz_matrix turned(const FieldAppearance& appearance)
     }
 }
 
-/// Takes the page over into the document as a form XObject; the caller drops it.
-pdf_obj* graftPage(fz_context* ctx, pdf_document* document, const QByteArray& file)
-{
-    fz_stream* stream = nullptr;
-    pdf_document* source = nullptr;
-    fz_buffer* content = nullptr;
-    pdf_obj* resources = nullptr;
-    pdf_obj* result = nullptr;
-    fz_var(stream);
-    fz_var(source);
-    fz_var(content);
-    fz_var(resources);
-    fz_var(result);
-    fz_try(ctx)
-    {
-        stream = fz_open_memory(
-            ctx, reinterpret_cast<const unsigned char*>(file.constData()),
-            static_cast<std::size_t>(file.size()));
-        source = pdf_open_document_with_stream(ctx, stream);
-        pdf_obj* page = pdf_lookup_page_obj(ctx, source, 0);
-        const fz_rect box = pdf_to_rect(ctx, pdf_dict_get_inheritable(ctx, page, PDF_NAME(MediaBox)));
-        content = pdf_load_stream(ctx, pdf_dict_get(ctx, page, PDF_NAME(Contents)));
-        resources = pdf_graft_object(ctx, document, pdf_dict_get_inheritable(ctx, page, PDF_NAME(Resources)));
-        result = pdf_new_xobject(ctx, document, box, fz_identity, resources, content);
-    }
-    fz_always(ctx)
-    {
-        pdf_drop_obj(ctx, resources);
-        fz_drop_buffer(ctx, content);
-        pdf_drop_document(ctx, source);
-        fz_drop_stream(ctx, stream);
-    }
-    fz_catch(ctx)
-    {
-        fz_rethrow(ctx);
-    }
-    return result;
-}
-
 void addResources(
     fz_context* ctx, pdf_document* document, pdf_obj* widget, const FieldAppearance& appearance,
     pdf_obj* resources)
@@ -139,9 +102,11 @@ void addResources(
         const char* name = appearance.font.constData();
         pdf_dict_puts(ctx, fonts, name, fields::sharedFont(ctx, document, widget, name));
     }
-    if (!appearance.textPage.isEmpty()) {
+    if (appearance.showsPage()) {
+        const QSizeF size = roundedUp(appearance.size);
+        const fz_rect box = {0, 0, static_cast<float>(size.width()), static_cast<float>(size.height())};
         pdf_obj* objects = pdf_dict_put_dict(ctx, resources, PDF_NAME(XObject), 1);
-        pdf_dict_puts_drop(ctx, objects, "Text", graftPage(ctx, document, appearance.textPage));
+        pdf_dict_puts_drop(ctx, objects, "Text", graftPage(ctx, document, appearance.textPage.file, box));
     }
 }
 

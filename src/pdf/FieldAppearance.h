@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/DrawnPage.h"
 #include "pdf/EncodedFont.h"
 #include "pdf/FormReader.h"
 
@@ -21,8 +22,10 @@ struct FieldAppearance
     int rotation = 0;
     /// The name of the form's font that the content uses; empty for none.
     QByteArray font;
-    /// A PDF file of one page that the content shows as the object /Text; empty for none.
-    QByteArray textPage;
+    /// A page that the content shows as the object /Text; without a file for none.
+    DrawnPage textPage;
+
+    bool showsPage() const { return !textPage.file.isEmpty(); }
 };
 
 /// What a text field, a combo box or a list box shows as its value. The form's own font is taken where it has
@@ -35,6 +38,9 @@ FieldAppearance composeButton(const fields::FieldRecord& record, bool isOn);
 /// The names of the forms' symbol font and of the font of fields that name none.
 extern const char* const symbolFontName;
 extern const char* const defaultFontName;
+
+/// Where the object /Text is in a widget that has the appearance.
+extern const char* const textPagePath;
 
 /// Makes the form XObject of the appearance; the caller drops it. May throw as MuPDF does.
 pdf_obj*

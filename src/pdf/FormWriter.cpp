@@ -6,6 +6,7 @@
 #include "pdf/FieldTree.h"
 #include "pdf/Handles.h"
 #include "pdf/Limits.h"
+#include "pdf/ToUnicode.h"
 
 #include <algorithm>
 #include <utility>
@@ -249,7 +250,7 @@ std::optional<PDFError> FormWriter::writeValueAppearance(FieldGroup::Member& mem
     if (error && error->code != PDFError::Code::damaged)
         return error;
     const FieldAppearance appearance = composeValue(member.record, EncodedFont(table));
-    return engine::attempt(m_scope, [&](fz_context* ctx) {
+    error = engine::attempt(m_scope, [&](fz_context* ctx) {
         pdf_obj* stream = makeAppearance(ctx, m_document.document, widget, appearance);
         fz_try(ctx)
         {
@@ -266,6 +267,9 @@ std::optional<PDFError> FormWriter::writeValueAppearance(FieldGroup::Member& mem
             fz_rethrow(ctx);
         }
     });
+    if (!error && appearance.showsPage())
+        error = writeToUnicode(m_scope, m_document.document, widget, textPagePath, appearance.textPage.text);
+    return error;
 }
 
 std::optional<PDFError> FormWriter::writeButtonAppearances(FieldGroup::Member& member)

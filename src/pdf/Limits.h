@@ -77,4 +77,7 @@ constexpr std::size_t renewedFields = 5'000;
 /// UTF-16 units of a form field's text.
 constexpr long long fieldText = 100'000;
 
+/// UTF-16 units of a line of text that are drawn with the system's fonts; more do not fit on a page.
+constexpr long long drawnCharacters = 2'000;
+
 } // namespace pdf::limits

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/PDFAnnotation.h"
 
+#include "pdf/DrawnPage.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
 
@@ -46,6 +47,25 @@ const QPaintDevice& pointDevice()
         return image;
     }();
     return device;
+}
+
+/// Draws the lines half way between the area's top and bottom, wherever that takes them.
+void drawLines(QPainter& painter, const QRectF& area, Qt::AlignmentFlag alignment, const QStringList& lines)
+{
+    const QFontMetricsF metrics(painter.font(), painter.device());
+    const double height =
+        metrics.lineSpacing() * static_cast<double>(lines.size() - 1) + metrics.ascent() + metrics.descent();
+    double baseline = area.center().y() - height / 2.0 + metrics.ascent();
+    for (const QString& line : lines) {
+        const double room = area.width() - metrics.horizontalAdvance(line);
+        double x = area.left();
+        if (alignment == Qt::AlignHCenter)
+            x += room / 2.0;
+        else if (alignment == Qt::AlignRight)
+            x += room;
+        drawText(painter, QPointF(x, baseline), line);
+        baseline += metrics.lineSpacing();
+    }
 }
 
 } // namespace
@@ -220,21 +240,20 @@ void PDFAnnotation::draw(QPainter& painter, const QSizeF& size) const
     switch (m_subtype) {
     case Subtype::freeText:
         painter.fillRect(area, properties.color);
-        painter.drawText(
-            area, properties.alignment | Qt::AlignVCenter | Qt::TextDontClip, properties.contents);
+        drawLines(painter, area, properties.alignment, properties.contents.split(u'\n'));
         break;
     case Subtype::widget:
         painter.fillRect(area, properties.backgroundColor);
         painter.setClipRect(area);
-        painter.drawText(
-            area.adjusted(fieldMargin, 0, -fieldMargin, 0),
-            properties.alignment | Qt::AlignVCenter | Qt::TextSingleLine, properties.widgetStringValue);
+        drawLines(
+            painter, area.adjusted(fieldMargin, 0, -fieldMargin, 0), properties.alignment,
+            {QString(properties.widgetStringValue).replace(u'\n', u' ')});
         break;
     case Subtype::stamp:
     case Subtype::other:
         painter.setPen(QPen(properties.fontColor, stampFrame));
         painter.drawRect(area.adjusted(stampFrame, stampFrame, -stampFrame, -stampFrame));
-        painter.drawText(area, Qt::AlignCenter, properties.contents);
+        drawLines(painter, area, Qt::AlignHCenter, properties.contents.split(u'\n'));
         break;
     }
 }

@@ -4,9 +4,7 @@
 #include <QBuffer>
 #include <QFontMetricsF>
 #include <QGuiApplication>
-#include <QPageLayout>
 #include <QPainter>
-#include <QPdfWriter>
 
 #include <cmath>
 
@@ -58,28 +56,23 @@ double SystemFont::width(QStringView text) const
     return QFontMetricsF(m_font).horizontalAdvance(text.toString()) / measuredSize;
 }
 
-QByteArray
+DrawnPage
 SystemFont::draw(const std::vector<TextAt>& lines, double size, const QColor& colour, QSizeF pageSize) const
 {
+    constexpr double scale = pixelsPerInch / pointsPerInch;
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    {
-        constexpr double scale = pixelsPerInch / pointsPerInch;
-        QPdfWriter writer(&buffer);
-        writer.setResolution(pixelsPerInch);
-        writer.setPageSize(QPageSize(pageSize, QPageSize::Point, QString(), QPageSize::ExactMatch));
-        writer.setPageMargins({});
-        QFont font = m_font;
-        font.setPixelSize(std::max(1, static_cast<int>(std::lround(size * scale))));
-        QPainter painter(&writer);
-        painter.setFont(font);
-        painter.setPen(colour);
-        for (const TextAt& line : lines) {
-            painter.drawText(
-                QPointF(line.baseline.x(), pageSize.height() - line.baseline.y()) * scale, line.text);
-        }
-    }
-    return buffer.data();
+    PageRecorder page(&buffer, pageSize, pixelsPerInch);
+    QFont font = m_font;
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(size * scale))));
+    QPainter painter(&page);
+    painter.setFont(font);
+    painter.setPen(colour);
+    for (const TextAt& line : lines)
+        drawText(
+            painter, QPointF(line.baseline.x(), pageSize.height() - line.baseline.y()) * scale, line.text);
+    painter.end();
+    return {buffer.data(), page.takeText()};
 }
 
 } // namespace pdf

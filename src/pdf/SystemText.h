@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/DrawnPage.h"
 #include "pdf/FieldFont.h"
 
 #include <QColor>
@@ -35,8 +36,8 @@ public:
 
     double width(QStringView text) const override;
 
-    /// A PDF file with one page of the given size, in points, that shows the lines. The fonts are embedded.
-    QByteArray
+    /// A page of the given size, in points, that shows the lines.
+    DrawnPage
     draw(const std::vector<TextAt>& lines, double size, const QColor& colour, QSizeF pageSize) const;
 
 private:
