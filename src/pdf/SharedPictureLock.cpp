@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include <jbig2.h>
-
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
+
+// Takes the types of the two headers above for granted.
+#include <jbig2.h>
 
 // The pictures of a scanned document share one dictionary of symbols, and the JBIG2 decoder counts the users
 // of each symbol without a lock. Two threads that draw at the same time would release a symbol twice, so the

@@ -2,41 +2,17 @@
 #include "viewer/LinkDialog.h"
 
 #include "support/Widgets.h"
+#include "viewer/Desktop.h"
 #include "viewer/ViewerFixture.h"
 
 #include <gtest/gtest.h>
 
 #include <QClipboard>
-#include <QDesktopServices>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 
 namespace quillo {
 namespace {
-
-/// Stands for the desktop.
-class Desktop : public QObject
-{
-    Q_OBJECT
-
-public:
-    Desktop()
-    {
-        for (const char* scheme : {"http", "https", "mailto"})
-            QDesktopServices::setUrlHandler(QLatin1String(scheme), this, "open");
-    }
-    ~Desktop() override
-    {
-        for (const char* scheme : {"http", "https", "mailto"})
-            QDesktopServices::unsetUrlHandler(QLatin1String(scheme));
-    }
-
-    QList<QUrl> opened;
-
-public Q_SLOTS:
-    void open(const QUrl& address) { opened.append(address); }
-};
 
 class LinkDialogTest : public ViewerFixture
 {
@@ -160,5 +136,3 @@ TEST_F(LinkDialogTest, FitsOnTheScreenWithALongAddress)
 
 } // namespace
 } // namespace quillo
-
-#include "LinkDialogTest.moc"
