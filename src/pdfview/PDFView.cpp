@@ -3,6 +3,7 @@
 
 #include "pdf/PDFDocument.h"
 #include "pdfview/FormFiller.h"
+#include "pdfview/HighlightedSelections.h"
 #include "pdfview/LinkFollower.h"
 #include "pdfview/PDFViewInput.h"
 #include "pdfview/PagePainter.h"
@@ -54,6 +55,7 @@ PDFView::PDFView(QWidget* parent)
     , m_reader(std::make_unique<PageReader>(*this))
     , m_selector(std::make_unique<TextSelector>(*this, *m_reader))
     , m_links(std::make_unique<LinkFollower>(*this, *m_reader))
+    , m_highlights(std::make_unique<HighlightedSelections>(*this, *m_reader, *m_selector))
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -412,7 +414,7 @@ void PDFView::paintEvent(QPaintEvent* event)
     if (pages.isSharp())
         m_fallbackScale = 0.0;
     painter.scale(m_devicePixelRatio, m_devicePixelRatio);
-    paintSelection(painter);
+    paintText(painter, exposed);
     m_forms->paint(painter);
     m_links->paint(painter);
     if (m_viewport.layout().hasSizes() && !pages.isAnythingMissing())

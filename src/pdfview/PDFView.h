@@ -24,12 +24,14 @@ class QUrl;
 namespace pdf {
 
 class FormFiller;
+class HighlightedSelections;
 class LinkFollower;
 class PDFDocument;
 class PDFViewInput;
 class PageReader;
 class ScrollAnimation;
 class TextSelector;
+struct TextMatch;
 
 /// A document as a view takes it: opened and unlocked, with a renderer that may have its first page under
 /// way.
@@ -130,6 +132,14 @@ public:
     /// Copies the selected text to the clipboard, as soon as it is read.
     void copySelection();
 
+    /// Texts that are marked beside the selection, such as all matches of a search, in the order of the
+    /// document. What is selected of them looks like the selection.
+    const std::vector<TextMatch>& highlightedSelections() const;
+    /// Those of another document count as none.
+    void setHighlightedSelections(const std::vector<PDFSelection>& selections);
+    /// Adds what a search finds as it comes in, see PDFDocument::beginFindString().
+    void addHighlightedMatches(const std::vector<TextMatch>& matches);
+
     /// To be called when annotations or form fields of the page look different now. What is on the screen is
     /// replaced when it is drawn; the page's content is not drawn anew.
     void refreshAnnotations(int page);
@@ -182,7 +192,7 @@ protected:
     bool viewportEvent(QEvent* event) override;
 
 private:
-    void paintSelection(QPainter& painter);
+    void paintText(QPainter& painter, const QRectF& exposed);
     void takeResults();
     void take(const TileRenderer::PageSized& result);
     void take(const TileRenderer::TileDrawn& result);
@@ -233,6 +243,7 @@ private:
     std::unique_ptr<PageReader> m_reader;
     std::unique_ptr<TextSelector> m_selector;
     std::unique_ptr<LinkFollower> m_links;
+    std::unique_ptr<HighlightedSelections> m_highlights;
 };
 
 } // namespace pdf

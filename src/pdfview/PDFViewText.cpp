@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdfview/HighlightedSelections.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/PageReader.h"
 #include "pdfview/TextMarker.h"
@@ -76,8 +77,37 @@ void PDFView::copySelection()
     m_selector->copy();
 }
 
-void PDFView::paintSelection(QPainter& painter)
+const std::vector<TextMatch>& PDFView::highlightedSelections() const
 {
+    return m_highlights->matches();
+}
+
+void PDFView::setHighlightedSelections(const std::vector<PDFSelection>& selections)
+{
+    std::vector<TextMatch> matches;
+    matches.reserve(selections.size());
+    for (const PDFSelection& selection : selections) {
+        if (selection.document() != document())
+            continue;
+        for (const auto& part : selection.parts()) {
+            matches.push_back(
+                {part.page, static_cast<qint32>(part.range.location),
+                 static_cast<qint32>(part.range.length)});
+        }
+    }
+    m_highlights->set(std::move(matches));
+    viewport()->update();
+}
+
+void PDFView::addHighlightedMatches(const std::vector<TextMatch>& matches)
+{
+    m_highlights->add(matches);
+    viewport()->update();
+}
+
+void PDFView::paintText(QPainter& painter, const QRectF& exposed)
+{
+    m_highlights->paint(painter, exposed);
     const QColor color = TextMarker::tinted(palette().color(QPalette::Highlight), selectionStrength);
     const TextMarker marker(*this, *m_reader);
     const auto visible = m_viewport.visiblePages();
