@@ -2,6 +2,7 @@
 #include "analytics/AnalyticsService.h"
 #include "app/AppDelegate.h"
 #include "app/ContentView.h"
+#include "controls/AppStyle.h"
 #include "platform/BundleInfo.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
@@ -68,6 +69,7 @@ int main(int argc, char** argv)
     if (!early.isEmpty())
         beginEarly(early);
 
+    QApplication::setStyle(new AppStyle);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillo"));
     QApplication::setApplicationVersion(*BundleInfo::informationValue(u"CFBundleShortVersionString"));
