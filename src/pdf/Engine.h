@@ -7,6 +7,7 @@
 #include <mupdf/fitz.h>
 
 #include <cstddef>
+#include <new>
 #include <optional>
 
 // The one place where MuPDF is set up, where its memory comes from, and where its errors become ours.
@@ -34,6 +35,20 @@ std::optional<PDFError> attempt(CookieScope& scope, Work work)
 {
     return attemptCall(
         scope, [](fz_context* ctx, void* data) { (*static_cast<Work*>(data))(ctx); }, &work);
+}
+
+/// For C++ code that is called where MuPDF may jump over it: a lack of memory in it becomes MuPDF's.
+template <typename Call>
+void guarded(fz_context* ctx, Call call)
+{
+    bool failed = false;
+    try {
+        call();
+    } catch (const std::bad_alloc&) {
+        failed = true;
+    }
+    if (failed)
+        fz_throw(ctx, FZ_ERROR_MEMORY, "there is not enough memory");
 }
 
 } // namespace pdf::engine

@@ -31,6 +31,15 @@ constexpr std::chrono::milliseconds patience{60'000};
 /// The time of saving, which is not to be given up for a document that is merely big or a disk that is slow.
 constexpr std::chrono::minutes saving{10};
 
+/// The processor time of preparing one page for printing.
+constexpr std::chrono::milliseconds printedPage{20'000};
+
+/// Sheets of one print.
+constexpr std::size_t printedSheets = 100'000;
+
+/// Pixels of a page that is printed as a picture; a page that is bigger gets a coarser one.
+constexpr double printedPixels = 150e6;
+
 /// The biggest file whose content is copied away when the document is changed.
 constexpr long long preservedFile = 256LL << 20;
 

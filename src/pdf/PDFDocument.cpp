@@ -7,6 +7,7 @@
 #include "pdf/FileStream.h"
 #include "pdf/FormWriter.h"
 #include "pdf/Handles.h"
+#include "pdf/PrintComposer.h"
 #include "pdf/TextIndex.h"
 
 #include <utility>
@@ -195,6 +196,13 @@ PDFDocument::write(const QString& path, Overwrite overwrite, const Cancellation&
     if (auto error = writeDocument(*m_handle, path, overwrite, cancellation))
         return *error;
     return std::monostate();
+}
+
+Result<PrintOutcome> PDFDocument::writePrintable(
+    const QString& path, const PrintLayout& layout, const Cancellation& cancellation,
+    const PrintProgress& progress)
+{
+    return writePrint(*this, *m_handle, path, layout, cancellation, progress);
 }
 
 Result<std::vector<int>> PDFDocument::setFormValue(const FormWidget& widget, const FormValue& value)

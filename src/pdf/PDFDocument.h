@@ -5,6 +5,7 @@
 #include "pdf/FieldValue.h"
 #include "pdf/PDFError.h"
 #include "pdf/PDFSelection.h"
+#include "pdf/PrintLayout.h"
 #include "pdf/TextPattern.h"
 
 #include <QString>
@@ -124,6 +125,24 @@ public:
     Result<std::monostate> write(
         const QString& path, Overwrite overwrite = Overwrite::unlessChanged,
         const Cancellation& cancellation = {});
+
+    /// Is told how many of how many sheets are done, on the thread that prints.
+    using PrintProgress = std::function<void(int sheets, int totalSheets)>;
+
+    /// Writes a PDF file of the sheets that the layout asks for, to be sent to a printer or kept, as write()
+    /// writes: the file is there whole, or as it was before. The document is printed with its changes and
+    /// stays as it is. Text stays text and fonts and pictures are taken over as they are; annotations and
+    /// form fields are printed as they look, those that are meant to be printed. A page that cannot be taken
+    /// over is printed as a picture, and so are all where the document allows no better; one that cannot be
+    /// drawn either leaves its sheet blank. The file is not encrypted.
+    ///
+    /// Fails with `refused` where the document does not allow printing or the file is its own, with
+    /// `limitExceeded` for too many sheets, and as write() does. Other threads can read the document
+    /// meanwhile; what they change is or is not in the print.
+    Result<PrintOutcome> writePrintable(
+        const QString& path, const PrintLayout& layout, const Cancellation& cancellation = {},
+        const PrintProgress& progress = {});
+
     /// Gives the form field that the widget belongs to a new value, as takeValue() allows, in all places
     /// where it is shown, and draws its appearances. Gives the pages whose annotations look different now;
     /// none when the field has that value already. No script of the document is run.

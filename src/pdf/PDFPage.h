@@ -102,6 +102,7 @@ public:
 
 private:
     friend class PDFDocument;
+    friend class PrintComposer;
     PDFPage(std::shared_ptr<PDFDocument> document, std::unique_ptr<PageHandle> handle);
 
     std::shared_ptr<PDFDocument> m_document;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "FailingDisk.h"
 #include "Tools.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
@@ -11,9 +12,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <csignal>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,56 +36,6 @@ int modeOf(const QString& path)
 {
     return static_cast<int>(statusOf(path).st_mode & 07777);
 }
-
-/// For as long as it lives no file of this process grows beyond the size, as on a disk that is full.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t size)
-        : m_handler(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_before), 0);
-        const rlimit limit = {size, m_before.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    void (*m_handler)(int);
-    rlimit m_before = {};
-};
-
-/// The superuser may write everywhere; for as long as this lives the process is somebody else.
-class OrdinaryUser
-{
-public:
-    static constexpr uid_t nobody = 65534;
-
-    OrdinaryUser()
-        : m_wasSuperuser(::geteuid() == 0)
-    {
-        if (m_wasSuperuser) {
-            EXPECT_EQ(::seteuid(nobody), 0);
-        }
-    }
-    ~OrdinaryUser()
-    {
-        if (m_wasSuperuser) {
-            EXPECT_EQ(::seteuid(0), 0);
-        }
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-private:
-    const bool m_wasSuperuser;
-};
 
 class SavingSafetyTest : public testing::Test
 {
