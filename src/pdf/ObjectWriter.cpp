@@ -44,19 +44,34 @@ void writeBytes(fz_context* ctx, void* out, const unsigned char* data, std::size
     fz_write_data(ctx, static_cast<fz_output*>(out), data, size);
 }
 
-/// The entry of an object that was changed since the file was read, or null.
-pdf_xref_entry* changedEntry(const pdf_document* document, int number)
+/// The object's first entry in the sections from one to another, or null.
+const pdf_xref_entry* entryIn(const pdf_document* document, int number, int begin, int end)
 {
-    for (int i = 0; i < document->num_incremental_sections; ++i) {
-        for (pdf_xref_subsec* part = document->xref_sections[i].subsec; part; part = part->next) {
+    for (int i = begin; i < end; ++i) {
+        for (const pdf_xref_subsec* part = document->xref_sections[i].subsec; part; part = part->next) {
             if (number < part->start || number >= part->start + part->len)
                 continue;
-            pdf_xref_entry* entry = &part->table[number - part->start];
+            const pdf_xref_entry* entry = &part->table[number - part->start];
             if (entry->type != 0)
                 return entry;
         }
     }
     return nullptr;
+}
+
+/// The entry of an object that was changed since the file was read, or null.
+const pdf_xref_entry* changedEntry(const pdf_document* document, int number)
+{
+    return entryIn(document, number, 0, document->num_incremental_sections);
+}
+
+/// Where the file has the object in a stream of objects, which has no generations, MuPDF takes its place in
+/// there for one.
+bool wasInObjectStream(const pdf_document* document, int number)
+{
+    const pdf_xref_entry* entry =
+        entryIn(document, number, document->num_incremental_sections, document->num_xref_sections);
+    return entry && entry->type == 'o';
 }
 
 bool hasCrossReferenceStream(fz_context* ctx, pdf_document* document)
@@ -178,8 +193,11 @@ void ObjectWriter::collectChanges(fz_context* ctx)
 {
     const int count = pdf_xref_len(ctx, m_document);
     for (int number = 1; number < count; ++number) {
-        if (const pdf_xref_entry* entry = changedEntry(m_document, number))
-            append(ctx, m_entries, {number, entry->gen, entry->type == 'f'});
+        const pdf_xref_entry* entry = changedEntry(m_document, number);
+        if (!entry)
+            continue;
+        const int generation = wasInObjectStream(m_document, number) ? 0 : entry->gen;
+        append(ctx, m_entries, {number, generation, entry->type == 'f'});
     }
 }
 

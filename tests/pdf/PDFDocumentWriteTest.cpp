@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QRegularExpression>
 
 namespace pdf {
 namespace {
@@ -171,6 +172,30 @@ TEST_F(PDFDocumentWriteTest, UpdatesAFileThatHasACrossReferenceStream)
     EXPECT_TRUE(readFile(path).startsWith(before));
     EXPECT_EQ(rotations(path), (std::vector{0, 90, 0}));
     expectSound(path);
+}
+
+TEST_F(PDFDocumentWriteTest, AnObjectOutOfAnObjectStreamKeepsItsName)
+{
+    const QString plain = writeSample();
+    const QString path = m_folder.path(QStringLiteral("streams.pdf"));
+    if (!runTool(QStringLiteral("qpdf"), {QStringLiteral("--object-streams=generate"), plain, path}))
+        GTEST_SKIP() << "qpdf is not installed";
+    const auto size = readFile(path).size();
+    const auto document = open(path);
+    for (int page = 0; page < 3; ++page)
+        ASSERT_TRUE(document->page(page)->setRotation(90));
+    ASSERT_TRUE(document->write(path));
+    // Such objects have the generation 0, by which they are referred to.
+    const QString update = QString::fromLatin1(readFile(path).mid(size));
+    const QRegularExpression otherGeneration(QStringLiteral("\\n\\d+ [1-9]\\d* obj"));
+    EXPECT_EQ(otherGeneration.match(update).captured(), QString());
+    const auto seen = runTool(
+        QStringLiteral("pdfinfo"),
+        {QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"), QStringLiteral("3"), path});
+    if (seen) {
+        EXPECT_EQ(QString::fromLatin1(seen->output).count(QRegularExpression(QStringLiteral("rot: +90"))), 3)
+            << seen->output.toStdString();
+    }
 }
 
 TEST_F(PDFDocumentWriteTest, UpdatesALinearizedFile)
