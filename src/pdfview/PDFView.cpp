@@ -9,6 +9,8 @@
 #include "pdfview/PagePainter.h"
 #include "pdfview/PageReader.h"
 #include "pdfview/ScrollAnimation.h"
+#include "pdfview/SelectionEmphasis.h"
+#include "pdfview/TextRevealer.h"
 #include "pdfview/TextSelector.h"
 
 #include <QEvent>
@@ -18,7 +20,6 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QStyle>
 #include <QToolTip>
 
 #include <algorithm>
@@ -56,6 +57,8 @@ PDFView::PDFView(QWidget* parent)
     , m_selector(std::make_unique<TextSelector>(*this, *m_reader))
     , m_links(std::make_unique<LinkFollower>(*this, *m_reader))
     , m_highlights(std::make_unique<HighlightedSelections>(*this, *m_reader, *m_selector))
+    , m_revealer(std::make_unique<TextRevealer>(*this, *m_reader, *m_scrolling))
+    , m_emphasis(std::make_unique<SelectionEmphasis>(*this, *m_reader, *m_selector, *m_revealer))
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -89,7 +92,7 @@ void PDFView::setDocument(ShownDocument shown)
 {
     if (m_shown.renderer)
         m_shown.renderer->setNotifier({});
-    m_scrolling->stop();
+    stopScrolling();
     m_shown = std::move(shown);
     m_cache.clear();
     m_failedPages.clear();
@@ -209,7 +212,7 @@ void PDFView::zoom(double factor, QPointF viewPoint)
     if (wanted == m_scaleFactor || (wanted > m_scaleFactor) != (factor > 1.0))
         return;
     m_autoScales = false;
-    m_scrolling->stop();
+    stopScrolling();
     m_fallbackScale = m_viewport.scale();
     m_scaleFactor = wanted;
     m_viewport.setScale(wanted * m_devicePixelRatio, (viewPoint * m_devicePixelRatio).toPoint());
@@ -230,7 +233,7 @@ void PDFView::applyScale()
 
 void PDFView::scrollBy(QPointF distance)
 {
-    m_scrolling->stop();
+    stopScrolling();
     moveTo(
         m_viewport.x() + std::llround(distance.x() * m_devicePixelRatio),
         m_viewport.y() + std::llround(distance.y() * m_devicePixelRatio));
@@ -238,11 +241,10 @@ void PDFView::scrollBy(QPointF distance)
 
 void PDFView::scrollSmoothlyBy(QPointF distance)
 {
-    // The style says whether the system wants animations at all.
-    if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) == 0)
-        scrollBy(distance);
-    else
-        m_scrolling->add(distance * m_devicePixelRatio);
+    if (!isAnimated())
+        return scrollBy(distance);
+    m_revealer->stop();
+    m_scrolling->add(distance * m_devicePixelRatio);
 }
 
 void PDFView::moveTo(qint64 x, qint64 y)
@@ -321,7 +323,7 @@ void PDFView::scrollContentsBy(int, int)
 {
     if (m_isMovingBars)
         return;
-    m_scrolling->stop();
+    stopScrolling();
     moveTo(horizontalScrollBar()->value() * m_barUnit, verticalScrollBar()->value() * m_barUnit);
 }
 
@@ -417,6 +419,7 @@ void PDFView::paintEvent(QPaintEvent* event)
     paintText(painter, exposed);
     m_forms->paint(painter);
     m_links->paint(painter);
+    m_emphasis->paint(painter);
     if (m_viewport.layout().hasSizes() && !pages.isAnythingMissing())
         announceFirstPages();
 }

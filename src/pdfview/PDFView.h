@@ -30,6 +30,8 @@ class PDFDocument;
 class PDFViewInput;
 class PageReader;
 class ScrollAnimation;
+class SelectionEmphasis;
+class TextRevealer;
 class TextSelector;
 struct TextMatch;
 
@@ -81,7 +83,10 @@ public:
 
     /// Zero-based; -1 without pages.
     int currentPageIndex() const { return m_currentPage; }
+    /// Nothing happens while text of that page is being brought into view, see scrollSelectionToVisible().
     void goToPage(int page);
+    /// The page counts as the current one until the user scrolls on; nothing moves.
+    void setCurrentPage(int page);
     void goToEnd();
     void goToNextPage();
     void goToPreviousPage();
@@ -100,6 +105,10 @@ public:
     /// Scrolls by as little as brings a rectangle of the viewport into view, in view points, with so much
     /// room around it.
     void reveal(const QRectF& rect, double margin);
+    /// How far that would be with so much room at the sides.
+    QPointF distanceToReveal(const QRectF& rect, QSizeF room) const;
+    /// Whether the system wants animations at all.
+    bool isAnimated() const;
 
     /// Scrolls by view points, at once or smoothly.
     void scrollBy(QPointF distance);
@@ -125,8 +134,12 @@ public:
     /// What the user or a program has selected. Absent when nothing is, and for as long as the text of a
     /// selection over many pages is still being read.
     const std::optional<PDFSelection>& currentSelection() const;
-    /// Takes a selection of the shown document; that of another one counts as none.
-    void setCurrentSelection(std::optional<PDFSelection> selection);
+    /// Takes a selection of the shown document; that of another one counts as none. Animated, it is brought
+    /// into view and shown to the eye by a short movement.
+    void setCurrentSelection(std::optional<PDFSelection> selection, bool animate = false);
+    /// Brings what is selected into view with some room around it, as soon as it is known where it lies, and
+    /// makes its page the current one. Smooth over short distances; what is in view stays where it is.
+    void scrollSelectionToVisible();
     void clearSelection();
     void selectAll();
     /// Copies the selected text to the clipboard, as soon as it is read.
@@ -207,6 +220,7 @@ private:
     void outdateTiles(int page);
     bool isAtHand(const Tile& tile) const;
     void moveTo(qint64 x, qint64 y);
+    void stopScrolling();
     /// Brings the place that was gone to into view, once it is known where that is.
     void arrive();
     void goAlong(std::vector<PDFDestination>& way, std::vector<PDFDestination>& wayBack);
@@ -244,6 +258,8 @@ private:
     std::unique_ptr<TextSelector> m_selector;
     std::unique_ptr<LinkFollower> m_links;
     std::unique_ptr<HighlightedSelections> m_highlights;
+    std::unique_ptr<TextRevealer> m_revealer;
+    std::unique_ptr<SelectionEmphasis> m_emphasis;
 };
 
 } // namespace pdf

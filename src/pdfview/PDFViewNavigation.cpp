@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/PDFView.h"
 #include "pdfview/ScrollAnimation.h"
+#include "pdfview/TextRevealer.h"
 
 #include <QRectF>
+#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -30,7 +32,10 @@ double distanceInto(double start, double end, double roomStart, double roomEnd)
 
 void PDFView::goToPage(int page)
 {
-    m_scrolling->stop();
+    // It comes into view together with the text that is being brought there.
+    if (m_revealer->isBringing(page))
+        return;
+    stopScrolling();
     m_arrival.reset();
     m_viewport.goToPage(page);
     follow();
@@ -38,7 +43,7 @@ void PDFView::goToPage(int page)
 
 void PDFView::goToEnd()
 {
-    m_scrolling->stop();
+    stopScrolling();
     m_arrival.reset();
     m_viewport.goToEnd();
     follow();
@@ -131,14 +136,36 @@ void PDFView::remember(std::vector<PDFDestination>& places) const
     places.push_back(*place);
 }
 
+void PDFView::setCurrentPage(int page)
+{
+    m_viewport.setCurrentPage(page);
+    updateCurrentPage();
+}
+
 void PDFView::reveal(const QRectF& rect, double margin)
 {
-    const QRectF room = QRectF(viewport()->rect()).adjusted(margin, margin, -margin, -margin);
-    const QPointF distance(
-        distanceInto(rect.left(), rect.right(), room.left(), room.right()),
-        distanceInto(rect.top(), rect.bottom(), room.top(), room.bottom()));
+    const QPointF distance = distanceToReveal(rect, {margin, margin});
     if (!distance.isNull())
         scrollBy(distance);
+}
+
+QPointF PDFView::distanceToReveal(const QRectF& rect, QSizeF room) const
+{
+    const QSizeF size = viewport()->size();
+    return {
+        distanceInto(rect.left(), rect.right(), room.width(), size.width() - room.width()),
+        distanceInto(rect.top(), rect.bottom(), room.height(), size.height() - room.height())};
+}
+
+bool PDFView::isAnimated() const
+{
+    return style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) != 0;
+}
+
+void PDFView::stopScrolling()
+{
+    m_scrolling->stop();
+    m_revealer->stop();
 }
 
 } // namespace pdf

@@ -2,7 +2,9 @@
 #include "pdfview/HighlightedSelections.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/PageReader.h"
+#include "pdfview/SelectionEmphasis.h"
 #include "pdfview/TextMarker.h"
+#include "pdfview/TextRevealer.h"
 #include "pdfview/TextSelector.h"
 
 #include <QLineF>
@@ -57,9 +59,19 @@ const std::optional<PDFSelection>& PDFView::currentSelection() const
     return m_selector->selection();
 }
 
-void PDFView::setCurrentSelection(std::optional<PDFSelection> selection)
+void PDFView::setCurrentSelection(std::optional<PDFSelection> selection, bool animate)
 {
     m_selector->setSelection(std::move(selection));
+    if (!animate)
+        return;
+    scrollSelectionToVisible();
+    m_emphasis->begin();
+}
+
+void PDFView::scrollSelectionToVisible()
+{
+    const int page = m_selector->firstPage();
+    m_revealer->reveal(page, m_selector->rangeOn(page), TextRevealer::Room::much);
 }
 
 void PDFView::clearSelection()

@@ -84,19 +84,21 @@ void PageReader::follow()
     m_rest.start();
 }
 
-void PageReader::hold(std::set<int> pages)
+void PageReader::hold(const void* holder, std::set<int> pages)
 {
-    if (pages == m_held)
+    std::set<int>& held = m_held[holder];
+    if (pages == held)
         return;
-    m_held = std::move(pages);
+    held = std::move(pages);
     forgetDistantPages();
-    for (const int page : m_held)
+    for (const int page : held)
         request(page);
 }
 
 bool PageReader::isWanted(int page) const
 {
-    if (m_held.contains(page))
+    const auto holds = [page](const auto& entry) { return entry.second.contains(page); };
+    if (std::any_of(m_held.begin(), m_held.end(), holds))
         return true;
     const auto visible = m_view.pageViewport().visiblePages();
     return page >= std::max(0, visible.first - pagesAround) &&

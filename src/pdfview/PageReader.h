@@ -43,9 +43,9 @@ public:
     /// The page's text; null while it is not read and where it cannot be.
     const TextLayer* text(int page) const;
 
-    /// These pages are read now rather than when everything is at rest, and are not given up until others
-    /// are asked for here.
-    void hold(std::set<int> pages);
+    /// These pages are read now rather than when everything is at rest, and are not given up until their
+    /// holder asks for others here. The pointer only tells who that is.
+    void hold(const void* holder, std::set<int> pages);
 
 Q_SIGNALS:
     void pageRead(int page);
@@ -63,7 +63,7 @@ private:
     std::unique_ptr<JobQueue> m_jobs;
     std::map<int, PageMatter> m_pages;
     std::map<int, Cancellation> m_requested;
-    std::set<int> m_held;
+    std::map<const void*, std::set<int>> m_held;
     QTimer m_rest;
 };
 

@@ -30,7 +30,7 @@ PageViewport::PageViewport(int pageCount)
     : m_layout(pageCount)
 {
     if (pageCount > 0)
-        m_target = Target{0, false};
+        m_target = Target{};
 }
 
 void PageViewport::setSize(QSize size)
@@ -95,7 +95,7 @@ void PageViewport::goToPage(int page)
 {
     if (page < 0 || page >= m_layout.pageCount())
         return;
-    m_target = Target{page, false};
+    m_target = Target{page, Target::Place::top};
     moveToTarget();
 }
 
@@ -103,17 +103,24 @@ void PageViewport::goToEnd()
 {
     if (m_layout.pageCount() == 0)
         return;
-    m_target = Target{m_layout.pageCount() - 1, true};
+    m_target = Target{m_layout.pageCount() - 1, Target::Place::end};
     moveToTarget();
+}
+
+void PageViewport::setCurrentPage(int page)
+{
+    if (page >= 0 && page < m_layout.pageCount())
+        m_target = Target{page, Target::Place::asItStands};
 }
 
 int PageViewport::currentPage() const
 {
     if (m_layout.pageCount() == 0)
         return -1;
-    if (m_target)
-        return m_target->page;
     const Range range = visiblePages();
+    if (m_target && (m_target->place != Target::Place::asItStands ||
+                     (m_target->page >= range.first && m_target->page <= range.last)))
+        return m_target->page;
     int best = range.first;
     double bestPart = -1.0;
     for (int page = range.first; page <= range.last; ++page) {
@@ -187,9 +194,9 @@ void PageViewport::clamp()
 
 void PageViewport::moveToTarget()
 {
-    if (!m_target || !m_layout.hasSizes())
+    if (!m_target || m_target->place == Target::Place::asItStands || !m_layout.hasSizes())
         return;
-    m_y = m_target->atEnd ? maximumY() : m_layout.top(m_target->page) - m_layout.gap();
+    m_y = m_target->place == Target::Place::end ? maximumY() : m_layout.top(m_target->page) - m_layout.gap();
     clamp();
 }
 

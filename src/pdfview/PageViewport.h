@@ -48,6 +48,9 @@ public:
     /// Shows the end of the document.
     void goToEnd();
 
+    /// The page counts as the current one, without being gone to, until the user scrolls on or it is not
+    /// visible any more.
+    void setCurrentPage(int page);
     /// The page that was gone to, or else the first of the pages of which most is visible. -1 without pages.
     int currentPage() const;
 
@@ -76,8 +79,9 @@ private:
     };
     struct Target
     {
+        enum class Place { top, end, asItStands };
         int page = 0;
-        bool atEnd = false;
+        Place place = Place::top;
     };
 
     std::optional<Anchor> anchorAt(QPoint viewPoint) const;

@@ -35,6 +35,12 @@ void ScrollAnimation::stop()
     m_fraction = {};
 }
 
+void ScrollAnimation::jump(QPointF distance)
+{
+    stop();
+    Q_EMIT moved(distance.toPoint());
+}
+
 double ScrollAnimation::partLeft(double milliseconds)
 {
     return std::exp(-milliseconds / slownessMilliseconds);
@@ -62,6 +68,8 @@ void ScrollAnimation::timerEvent(QTimerEvent* event)
         stop();
     if (!step.isNull())
         Q_EMIT moved(step);
+    if (isAtRest)
+        Q_EMIT cameToRest();
 }
 
 } // namespace pdf

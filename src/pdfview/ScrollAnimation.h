@@ -19,6 +19,8 @@ public:
 
     void add(QPointF distance);
     void stop();
+    /// Covers a distance at once, instead of what is still to go.
+    void jump(QPointF distance);
     bool isRunning() const { return m_timer.isActive(); }
 
     /// What part of the way is left after a time without any addition.
@@ -27,6 +29,8 @@ public:
 Q_SIGNALS:
     /// A part of the distance in whole units.
     void moved(QPoint distance);
+    /// The whole way is covered; not when it was stopped before.
+    void cameToRest();
 
 protected:
     void timerEvent(QTimerEvent* event) override;

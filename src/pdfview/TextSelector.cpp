@@ -171,7 +171,7 @@ bool TextSelector::mousePress(const QMouseEvent& event)
         m_anchor.reset();
         setSpan(std::nullopt);
     }
-    m_reader.hold({m_drag->start.page, place->page});
+    m_reader.hold(this, {m_drag->start.page, place->page});
     followDrag();
     return true;
 }
@@ -266,7 +266,7 @@ bool TextSelector::extendToPointer()
     const auto place = pagePoint(m_drag->pointer);
     if (!place)
         return true;
-    m_reader.hold({m_drag->start.page, place->page});
+    m_reader.hold(this, {m_drag->start.page, place->page});
     const auto here = unitAt(*place, m_drag->unit);
     if (!here)
         return false;

@@ -48,6 +48,24 @@ TEST(PageViewportTest, ScrollsNoFurtherThanTheDocumentGoes)
     EXPECT_EQ(viewport.x(), 0);
 }
 
+TEST(PageViewportTest, HoldsAPageForTheCurrentOneWhileItIsVisibleAndNobodyScrolls)
+{
+    PageViewport viewport = viewportOn(5);
+    viewport.scrollTo(0, 150);
+    ASSERT_EQ(viewport.currentPage(), 0);
+    viewport.setCurrentPage(1);
+    EXPECT_EQ(viewport.currentPage(), 1);
+    EXPECT_EQ(viewport.y(), 150);
+    viewport.setSize({500, 410});
+    EXPECT_EQ(viewport.currentPage(), 1);
+    EXPECT_EQ(viewport.y(), 150);
+    viewport.setSize({500, 300});
+    EXPECT_EQ(viewport.currentPage(), 0) << "it is not visible any more";
+    viewport.setSize({500, 400});
+    viewport.scrollTo(0, 151);
+    EXPECT_EQ(viewport.currentPage(), 0);
+}
+
 TEST(PageViewportTest, TellsTheVisiblePages)
 {
     PageViewport viewport = viewportOn(5);

@@ -39,6 +39,30 @@ TEST(ScrollAnimationTest, StopsAtOnce)
     EXPECT_EQ(spy.count(), 0);
 }
 
+TEST(ScrollAnimationTest, TellsWhenItHasCoveredTheWholeWay)
+{
+    QObject owner;
+    ScrollAnimation animation(&owner);
+    QSignalSpy rested(&animation, &ScrollAnimation::cameToRest);
+    animation.add({0.0, 0.2});
+    EXPECT_TRUE(rested.wait()) << "there was not a whole step to make";
+    animation.add({0.0, 100.0});
+    animation.stop();
+    EXPECT_EQ(rested.count(), 1);
+}
+
+TEST(ScrollAnimationTest, JumpsInsteadOfMovingOn)
+{
+    QObject owner;
+    ScrollAnimation animation(&owner);
+    QPoint way;
+    QObject::connect(&animation, &ScrollAnimation::moved, &owner, [&](QPoint step) { way += step; });
+    animation.add({0.0, 100.0});
+    animation.jump({20.0, -30.0});
+    EXPECT_EQ(way, QPoint(20, -30));
+    EXPECT_FALSE(animation.isRunning());
+}
+
 TEST(ScrollAnimationTest, IsQuickAtFirst)
 {
     EXPECT_DOUBLE_EQ(ScrollAnimation::partLeft(0), 1.0);
