@@ -69,7 +69,7 @@ QNetworkRequest networkRequest(const AnalyticsRequest& request)
     result.setRawHeader("User-Agent", "Quillo");
     result.setRawHeader("Accept-Language", "*");
     result.setRawHeader("Accept-Encoding", "identity");
-    // Uploads are minutes apart, and an old connection may break just when it is needed.
+    // Uploads are minutes apart.
     result.setRawHeader("Connection", "close");
     for (const auto& [name, value] : request.headers)
         result.setRawHeader(name, value);
@@ -116,9 +116,7 @@ class NetworkTransport::Worker : public QObject
 public:
     explicit Worker(NetworkTransport& transport)
         : m_transport(transport)
-    {
-        m_manager.setProxyFactory(new SystemProxies);
-    }
+    {}
 
     void work() { m_loop.exec(); }
     /// Any thread.
@@ -137,20 +135,23 @@ protected:
 private:
     void send(const Job& job)
     {
+        // A manager sends one request after another over the same connection, and the server may close that
+        // just when the next one is on its way. So each has a manager of its own, which goes with it.
+        auto* manager = new QNetworkAccessManager(this);
+        manager->setProxyFactory(new SystemProxies);
         auto* body = new OneTimeBody(job.request.body, this);
-        QNetworkReply* reply = m_manager.post(networkRequest(job.request), body);
+        QNetworkReply* reply = manager->post(networkRequest(job.request), body);
         body->setParent(reply);
         reply->setReadBufferSize(readBufferSize);
         connect(reply, &QIODevice::readyRead, reply, [reply] { reply->skip(reply->bytesAvailable()); });
-        connect(reply, &QNetworkReply::finished, reply, [reply, completion = job.completion] {
+        connect(reply, &QNetworkReply::finished, reply, [manager, reply, completion = job.completion] {
             completion(responseOf(*reply));
-            reply->deleteLater();
+            manager->deleteLater();
         });
     }
 
     NetworkTransport& m_transport;
     QEventLoop m_loop;
-    QNetworkAccessManager m_manager;
 };
 
 NetworkTransport::NetworkTransport() = default;

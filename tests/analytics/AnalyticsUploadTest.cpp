@@ -132,6 +132,24 @@ TEST_F(AnalyticsUploadTest, DeliversABatch)
     EXPECT_EQ(numbers(request.batch().events), m_oneToTen);
 }
 
+TEST_F(AnalyticsUploadTest, DeliversManyBatchesThatAreDueAtOnce)
+{
+    HttpsServer server(*authority, certificate, {QStringLiteral("200")});
+    const auto service = makeService(server.endpoint(), longTimeout);
+    constexpr int batches = 30;
+    track(*service, 1, 10 * batches);
+    ASSERT_TRUE(m_counting.waitFor(batches));
+    EXPECT_TRUE(lines().empty()) << lines().front();
+    QSet<qint64> delivered;
+    for (const ReceivedRequest& request : server.requests(batches)) {
+        for (const qint64 number : numbers(request.batch().events)) {
+            EXPECT_FALSE(delivered.contains(number)) << number << " came twice";
+            delivered.insert(number);
+        }
+    }
+    EXPECT_EQ(delivered.size(), 10 * batches);
+}
+
 TEST_F(AnalyticsUploadTest, TellsTheServerNothingElse)
 {
     HttpsServer server(*authority, certificate, {QStringLiteral("200")});
