@@ -248,7 +248,7 @@ TEST_F(LinkFollowerTest, WalksTheLinksWithTheTabKey)
         linkEntry(secondLink, toPlace(3, "/Fit")));
     QSignalSpy followed(m_view.get(), &PDFView::addressFollowed);
     ASSERT_TRUE(isHandAt(placeOf(firstLink)));
-    const QPointF besideFirst = m_view->pageToView(0)->mapRect(firstLink).topLeft() + QPointF(40, -1);
+    const QPointF besideFirst = m_view->pageToView(0)->mapRect(firstLink).topLeft() + QPointF(40, -3);
     const QColor paper = colorAt(besideFirst);
     QTest::keyClick(m_view.get(), Qt::Key_Return);
     EXPECT_TRUE(followed.isEmpty()) << "no link has the keyboard";
