@@ -8,6 +8,7 @@
 #include "platform/Notifications.h"
 #include "platform/Theme.h"
 #include "platform/UserDefaults.h"
+#include "printing/RunningPrints.h"
 #include "viewer/DocumentOpening.h"
 
 #include <QApplication>
@@ -17,6 +18,7 @@
 #include <QThread>
 #include <QUrl>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -94,6 +96,8 @@ int main(int argc, char** argv)
 
     // Nothing of the window is drawn or read any more while the last events are sent.
     window.reset();
+    // Half a printed file is taken away by whoever writes it, which takes no time that anybody would notice.
+    waitForRunningPrints(std::chrono::seconds(2));
     // First, because the last events may be sent for as long as it pleases the system.
     UserDefaults::standard().synchronize();
     delegate.applicationWillTerminate();

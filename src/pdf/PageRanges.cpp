@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/PageRanges.h"
 
+#include <QList>
+
 #include <algorithm>
 
 namespace pdf {

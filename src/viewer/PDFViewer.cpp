@@ -9,6 +9,7 @@
 #include "pdf/PDFPage.h"
 #include "pdfview/PDFView.h"
 #include "platform/Theme.h"
+#include "printing/PrintOperation.h"
 #include "viewer/InteractivePDFKitView.h"
 #include "viewer/LinkDialog.h"
 #include "viewer/ViewerToolbar.h"
@@ -35,6 +36,7 @@ PDFViewer::PDFViewer(DocumentState* documentState, AnalyticsService& analyticsSe
     , m_pdfView(new pdf::PDFView)
     , m_bridge(new InteractivePDFKitView(m_pdfView))
     , m_toolbar(new ViewerToolbar)
+    , m_printers(printersModule(QCoreApplication::applicationDirPath()))
 {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -57,6 +59,8 @@ PDFViewer::PDFViewer(DocumentState* documentState, AnalyticsService& analyticsSe
     connect(m_toolbar, &ViewerToolbar::zoomToFitRequested, this, &PDFViewer::zoomToFit);
     connect(m_toolbar, &ViewerToolbar::rotateLeftRequested, this, &PDFViewer::rotateLeft);
     connect(m_toolbar, &ViewerToolbar::rotateRightRequested, this, &PDFViewer::rotateRight);
+    connect(m_toolbar, &ViewerToolbar::printRequested, this, &PDFViewer::printDocument);
+    connect(m_pdfView, &pdf::PDFView::documentChanged, this, &PDFViewer::followDocument);
 
     connect(m_pdfView, &pdf::PDFView::addressFollowed, this, &PDFViewer::showLink);
     connect(m_bridge, &InteractivePDFKitView::currentPageChanged, m_documentState, [this](int page) {
@@ -153,6 +157,31 @@ void PDFViewer::showLink(const QUrl& address)
     auto* dialog = new LinkDialog(address, window());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
+}
+
+void PDFViewer::printDocument()
+{
+    if (m_pdfView->pageCount() > 0)
+        m_pdfView->finishEditing([this] { beginPrinting(); });
+}
+
+void PDFViewer::beginPrinting()
+{
+    if (m_printing || m_pdfView->pageCount() == 0)
+        return;
+    m_printing = new PrintOperation(m_pdfView->document(), m_pdfView->currentPageIndex(), m_printers, this);
+    connect(m_printing, &PrintOperation::dialogClosed, this, [this] {
+        m_analyticsService.trackEvent(EventType::print);
+    });
+    connect(m_printing, &PrintOperation::finished, m_printing, &QObject::deleteLater);
+    m_printing->start();
+}
+
+void PDFViewer::followDocument()
+{
+    // What is being printed is no longer what is shown.
+    delete m_printing;
+    m_toolbar->setPrintable(m_pdfView->pageCount() > 0);
 }
 
 void PDFViewer::setZoomLevel(double zoomLevel, const QString& direction)

@@ -2,8 +2,12 @@
 #pragma once
 
 #include "pdfview/JobQueue.h"
+#include "printing/PrintersModule.h"
 
+#include <QPointer>
 #include <QWidget>
+
+#include <utility>
 
 class QUrl;
 
@@ -16,6 +20,7 @@ namespace quillo {
 class AnalyticsService;
 class DocumentState;
 class InteractivePDFKitView;
+class PrintOperation;
 class ViewerToolbar;
 
 /// The document pane of a window: a toolbar above the page view. It shows the file that the document state
@@ -30,6 +35,9 @@ public:
 
     double zoomLevel() const { return m_zoomLevel; }
 
+    /// Where printers come from, unless it is the printing system.
+    void setPrinterSource(PrinterSource printers) { m_printers = std::move(printers); }
+
 public Q_SLOTS:
     void previousPage();
     void nextPage();
@@ -41,6 +49,8 @@ public Q_SLOTS:
     /// The current page by a quarter turn.
     void rotateLeft();
     void rotateRight();
+    /// Asks what to print and prints it. Nothing without a document, or while another print is on its way.
+    void printDocument();
 
 Q_SIGNALS:
     /// The first pages of what was opened last are on the screen, or it is certain that there will be none.
@@ -53,6 +63,8 @@ private:
     void setZoomLevel(double zoomLevel, const QString& direction);
     void rotate(int degrees, const QString& direction);
     void turnPage(int page, int degrees);
+    void beginPrinting();
+    void followDocument();
     void showLink(const QUrl& address);
     void recordNavigation(const QString& direction);
     void showPage();
@@ -65,6 +77,8 @@ private:
     ViewerToolbar* m_toolbar;
     double m_zoomLevel = 1.0;
     pdf::JobQueue m_turning;
+    PrinterSource m_printers;
+    QPointer<PrintOperation> m_printing;
 };
 
 } // namespace quillo

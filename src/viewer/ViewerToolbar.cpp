@@ -64,6 +64,11 @@ void ViewerToolbar::makeContent()
 QMenu* ViewerToolbar::makeDocumentMenu()
 {
     auto* menu = new QMenu;
+    m_print = menu->addAction(tr("Print..."));
+    m_print->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
+    m_print->setEnabled(m_isPrintable);
+    connect(m_print, &QAction::triggered, this, &ViewerToolbar::printRequested);
+    menu->addSeparator();
     auto* rotateLeft = menu->addAction(tr("Rotate Left"));
     connect(rotateLeft, &QAction::triggered, this, &ViewerToolbar::rotateLeftRequested);
     auto* rotateRight = menu->addAction(tr("Rotate Right"));
@@ -85,6 +90,13 @@ void ViewerToolbar::showZoomLevel(double zoomLevel)
     m_zoomLevel = zoomLevel;
     if (isFilled())
         followZoomLevel();
+}
+
+void ViewerToolbar::setPrintable(bool isPrintable)
+{
+    m_isPrintable = isPrintable;
+    if (isFilled())
+        m_print->setEnabled(isPrintable);
 }
 
 void ViewerToolbar::followPage()

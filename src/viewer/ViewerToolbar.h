@@ -5,6 +5,7 @@
 
 #include <cstdint>
 
+class QAction;
 class QMenu;
 
 namespace quillo {
@@ -24,6 +25,8 @@ public:
     void showPage(std::int64_t currentPage, std::int64_t totalPages);
     /// 1.0 is 100 %.
     void showZoomLevel(double zoomLevel);
+    /// Whether there is something that can be printed.
+    void setPrintable(bool isPrintable);
 
 Q_SIGNALS:
     void previousPageRequested();
@@ -33,6 +36,7 @@ Q_SIGNALS:
     void zoomToFitRequested();
     void rotateLeftRequested();
     void rotateRightRequested();
+    void printRequested();
 
 protected:
     void makeContent() override;
@@ -45,10 +49,12 @@ private:
     std::int64_t m_currentPage = 0;
     std::int64_t m_totalPages = 0;
     double m_zoomLevel = 1.0;
+    bool m_isPrintable = false;
     SymbolButton* m_previousPage = nullptr;
     TextLabel* m_pageLabel = nullptr;
     SymbolButton* m_nextPage = nullptr;
     TextLabel* m_zoomLabel = nullptr;
+    QAction* m_print = nullptr;
 };
 
 } // namespace quillo
