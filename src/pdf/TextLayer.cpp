@@ -194,12 +194,20 @@ qsizetype TextLayer::characterIndex(QPointF point) const
 qsizetype TextLayer::insertionIndex(QPointF point) const
 {
     const Line* line = nearestLine(point);
-    if (!line)
-        return 0;
-    const double along = QPointF::dotProduct(point, line->along);
-    qsizetype nearest = line->start;
+    return line ? insertionIndex(point, *line) : 0;
+}
+
+qsizetype TextLayer::insertionIndex(QPointF point, qsizetype character) const
+{
+    return insertionIndex(point, lineOf(character));
+}
+
+qsizetype TextLayer::insertionIndex(QPointF point, const Line& line) const
+{
+    const double along = QPointF::dotProduct(point, line.along);
+    qsizetype nearest = line.start;
     double least = std::numeric_limits<double>::max();
-    for (qsizetype i = line->start; i < line->start + line->length; ++i) {
+    for (qsizetype i = line.start; i < line.start + line.length; ++i) {
         const Span& span = m_spans[static_cast<std::size_t>(i)];
         const double distance = distanceOutside(along, span.from, span.to);
         // Of overlapping characters, as marks are on their letters, the one whose middle is nearer.

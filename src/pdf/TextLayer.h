@@ -43,6 +43,9 @@ public:
     /// The place between two characters that is nearest to the point: in the nearest line, before or after
     /// the nearest character, as that one is read. 0 for a page without text.
     qsizetype insertionIndex(QPointF point) const;
+    /// The same in the line that the character is part of, wherever the point lies. The index must lie within
+    /// the text.
+    qsizetype insertionIndex(QPointF point, qsizetype character) const;
 
     /// A line as high as the text at the place between two characters, from its foot to its top.
     QLineF caret(qsizetype index) const;
@@ -80,6 +83,7 @@ private:
     /// The line of a character or of the line feed after it; the text must not be empty.
     const Line& lineOf(qsizetype index) const;
     const Line* nearestLine(QPointF point) const;
+    qsizetype insertionIndex(QPointF point, const Line& line) const;
     QPointF pointOn(const Line& line, double along, double up) const;
 
     QString m_string;

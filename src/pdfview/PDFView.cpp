@@ -4,6 +4,7 @@
 #include "pdf/PDFDocument.h"
 #include "pdfview/FormFiller.h"
 #include "pdfview/HighlightedSelections.h"
+#include "pdfview/KeyboardSelector.h"
 #include "pdfview/LinkFollower.h"
 #include "pdfview/PDFViewInput.h"
 #include "pdfview/PagePainter.h"
@@ -59,6 +60,7 @@ PDFView::PDFView(QWidget* parent)
     , m_highlights(std::make_unique<HighlightedSelections>(*this, *m_reader, *m_selector))
     , m_revealer(std::make_unique<TextRevealer>(*this, *m_reader, *m_scrolling))
     , m_emphasis(std::make_unique<SelectionEmphasis>(*this, *m_reader, *m_selector, *m_revealer))
+    , m_keyboard(std::make_unique<KeyboardSelector>(*this, *m_reader, *m_selector, *m_revealer))
 {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
@@ -441,7 +443,8 @@ void PDFView::wheelEvent(QWheelEvent* event)
 void PDFView::keyPressEvent(QKeyEvent* event)
 {
     // QAbstractScrollArea's own keys would move the bars behind the input's back.
-    event->setAccepted(m_links->keyPress(*event) || m_input->keyPress(*event));
+    event->setAccepted(
+        m_links->keyPress(*event) || m_keyboard->keyPress(*event) || m_input->keyPress(*event));
 }
 
 void PDFView::mousePressEvent(QMouseEvent* event)

@@ -25,6 +25,7 @@ namespace pdf {
 
 class FormFiller;
 class HighlightedSelections;
+class KeyboardSelector;
 class LinkFollower;
 class PDFDocument;
 class PDFViewInput;
@@ -260,6 +261,7 @@ private:
     std::unique_ptr<HighlightedSelections> m_highlights;
     std::unique_ptr<TextRevealer> m_revealer;
     std::unique_ptr<SelectionEmphasis> m_emphasis;
+    std::unique_ptr<KeyboardSelector> m_keyboard;
 };
 
 } // namespace pdf

@@ -54,11 +54,17 @@ TextSelector::~TextSelector()
         m_reading->cancel();
 }
 
-void TextSelector::startDocument()
+void TextSelector::endDrag()
 {
     m_drag.reset();
-    m_anchor.reset();
     m_autoScroll.stop();
+}
+
+void TextSelector::startDocument()
+{
+    endDrag();
+    m_anchor.reset();
+    m_caret.reset();
     setSpan(std::nullopt);
     m_reading.reset();
     m_jobs = m_view.document() ? std::make_unique<JobQueue>() : nullptr;
@@ -66,10 +72,10 @@ void TextSelector::startDocument()
 
 void TextSelector::setSelection(std::optional<PDFSelection> selection)
 {
-    m_drag.reset();
-    m_autoScroll.stop();
+    endDrag();
     m_span.reset();
     m_anchor.reset();
+    m_caret.reset();
     if (selection && (selection->document() != m_view.document() || selection->parts().empty()))
         selection.reset();
     if (selection) {
@@ -86,8 +92,7 @@ void TextSelector::setSelection(std::optional<PDFSelection> selection)
 
 void TextSelector::select(TextPosition from, TextPosition to)
 {
-    m_drag.reset();
-    m_autoScroll.stop();
+    endDrag();
     const auto [first, last] = std::minmax(from, to);
     m_anchor = Span{first, last};
     m_isUsersOwn = false;
@@ -101,6 +106,44 @@ void TextSelector::selectAll()
     select({0, 0}, {m_view.pageCount() - 1, endOfPage});
     m_isUsersOwn = true;
     offerToMiddleButton();
+}
+
+void TextSelector::placeCaret(TextPosition place)
+{
+    endDrag();
+    m_anchor = Span{place, place};
+    m_caret = place;
+    setSpan(std::nullopt);
+}
+
+bool TextSelector::isBackwards() const
+{
+    const auto span = selectedSpan();
+    return span && m_anchor && span->from < m_anchor->from;
+}
+
+std::optional<TextPosition> TextSelector::movingEnd() const
+{
+    const auto span = selectedSpan();
+    if (!span)
+        return m_caret;
+    return isBackwards() ? span->from : span->to;
+}
+
+void TextSelector::extendTo(TextPosition place)
+{
+    const auto end = movingEnd();
+    if (!end)
+        return;
+    TextPosition fixed = *end;
+    if (const auto span = selectedSpan())
+        fixed = isBackwards() ? span->to : span->from;
+    endDrag();
+    m_anchor = Span{fixed, fixed};
+    m_caret = place;
+    m_isUsersOwn = true;
+    setSpan(
+        place == fixed ? std::nullopt : std::optional(Span{std::min(place, fixed), std::max(place, fixed)}));
 }
 
 TextRange TextSelector::rangeOn(int page) const
@@ -169,6 +212,7 @@ bool TextSelector::mousePress(const QMouseEvent& event)
     m_copiesWhenRead = false;
     if (!isExtending) {
         m_anchor.reset();
+        m_caret.reset();
         setSpan(std::nullopt);
     }
     m_reader.hold(this, {m_drag->start.page, place->page});
@@ -257,8 +301,13 @@ void TextSelector::followDrag()
 
 bool TextSelector::extendToPointer()
 {
-    if (!m_anchor)
+    if (!m_anchor) {
         m_anchor = unitAt(m_drag->start, m_drag->unit);
+        const TextLayer* text = m_reader.text(m_drag->start.page);
+        // Who clicks beside all text means no place in it.
+        if (m_anchor && text && text->characterIndex(m_drag->start.point) >= 0)
+            m_caret = m_anchor->from;
+    }
     if (!m_anchor)
         return false;
     if (!m_drag->isMoved)

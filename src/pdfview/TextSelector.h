@@ -39,6 +39,14 @@ public:
     void select(TextPosition from, TextPosition to);
     void selectAll();
 
+    /// Selects nothing; the keyboard goes on from here.
+    void placeCaret(TextPosition place);
+    /// The end of the selection that moves when more is selected. Where nothing is, the place in the text
+    /// that was clicked on; absent when there is none.
+    std::optional<TextPosition> movingEnd() const;
+    /// Moves that end; without one nothing happens.
+    void extendTo(TextPosition place);
+
     /// True as soon as something is selected, its text at hand or not.
     bool isAnythingSelected() const { return m_selection || m_span; }
     /// What is selected on the page, possibly beyond the end of its text; empty where nothing is.
@@ -96,6 +104,12 @@ private:
     /// False while a page that matters is not read.
     bool extendToPointer();
     void scrollWithDrag();
+    /// Ends what the mouse does.
+    void endDrag();
+    /// What is selected, its text at hand or not.
+    std::optional<Span> selectedSpan() const { return m_span || !m_selection ? m_span : m_anchor; }
+    /// True when the selection was extended towards the beginning of the document.
+    bool isBackwards() const;
     void setSpan(std::optional<Span> span);
     void readSelection();
     std::optional<PDFSelection> selectionAtHand(const Span& span) const;
@@ -111,6 +125,8 @@ private:
     std::optional<PDFSelection> m_selection;
     /// What the pointer extends; it stays while the other end moves.
     std::optional<Span> m_anchor;
+    /// Where the keyboard goes on while nothing is selected.
+    std::optional<TextPosition> m_caret;
     std::optional<Drag> m_drag;
     QTimer m_autoScroll;
     QElapsedTimer m_sinceDoubleClick;
