@@ -33,7 +33,8 @@ function(quillo_program NAME)
 endfunction()
 
 # quillo_test(NAME SOURCES ... LINK ... [LABELS ...])
-# A GoogleTest program; every TEST in it is one CTest test. Widgets are tested on the offscreen platform.
+# A GoogleTest program; every TEST in it is one CTest test. Widgets are tested on the offscreen platform. Under a
+# sanitizer, where programs take long to start, the whole program is one.
 function(quillo_test NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
@@ -45,9 +46,12 @@ function(quillo_test NAME)
   if(QUILLO_PRECOMPILE)
     target_precompile_headers(${NAME} REUSE_FROM quillo_test_precompiled)
   endif()
-  # Some go through hundreds of real files.
+  if(NOT "corpus" IN_LIST ARG_LABELS)
+    add_dependencies(regular_tests ${NAME})
+  endif()
+  # Some go through hundreds of real files, or are many tests.
   set(timeout 300)
-  if("corpus" IN_LIST ARG_LABELS)
+  if(QUILLO_SANITIZE OR "corpus" IN_LIST ARG_LABELS)
     set(timeout 1500)
   endif()
   # One variable only: a list within this list would come out as further properties.
@@ -60,5 +64,10 @@ function(quillo_test NAME)
   if(ARG_LABELS)
     list(APPEND properties LABELS "${ARG_LABELS}")
   endif()
-  gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+  if(QUILLO_SANITIZE)
+    add_test(NAME ${NAME} COMMAND ${NAME})
+    set_tests_properties(${NAME} PROPERTIES ${properties})
+  else()
+    gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+  endif()
 endfunction()
