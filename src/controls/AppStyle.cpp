@@ -13,6 +13,10 @@ constexpr int roomInHint = 6;
 
 } // namespace
 
+AppStyle::AppStyle()
+    : QProxyStyle(QStringLiteral("Fusion"))
+{}
+
 int AppStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
 {
     return metric == PM_ToolTipLabelFrameWidth ? roomInHint

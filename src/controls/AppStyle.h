@@ -5,13 +5,15 @@
 
 namespace quillo {
 
-/// The desktop's style, except for hints: these have some room around their text and a hairline for a frame,
-/// like the other surfaces of the program.
+/// Qt's own Fusion style on every desktop, except for hints: these have some room around their text and a
+/// hairline for a frame, like the other surfaces of the program.
 class AppStyle : public QProxyStyle
 {
     Q_OBJECT
 
 public:
+    AppStyle();
+
     int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
     void drawPrimitive(
         PrimitiveElement element, const QStyleOption* option, QPainter* painter,

@@ -28,6 +28,13 @@ private:
     const QString m_before;
 };
 
+TEST_F(AppStyleTest, IsFusionOtherwise)
+{
+    const auto* style = qobject_cast<const QProxyStyle*>(QApplication::style());
+    ASSERT_TRUE(style);
+    EXPECT_EQ(style->baseStyle()->name(), QStringLiteral("fusion"));
+}
+
 TEST_F(AppStyleTest, GivesHintsAHairlineForAFrame)
 {
     QToolTip::showText({10, 10}, QStringLiteral("Page 3"));
