@@ -3,6 +3,7 @@
 
 #include "pdf/Limits.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -27,6 +28,13 @@ constexpr std::pair<const char*, const char*> standardFonts[] = {
     {"ZaDb", "ZapfDingbats"},
     {"Symb", "Symbol"},
 };
+
+/// The node above, or null; broken forms name other things there.
+pdf_obj* parentOf(fz_context* ctx, pdf_obj* node)
+{
+    pdf_obj* parent = pdf_dict_get(ctx, node, PDF_NAME(Parent));
+    return pdf_is_dict(ctx, parent) && !pdf_is_stream(ctx, parent) ? parent : nullptr;
+}
 
 bool isWidget(fz_context* ctx, pdf_obj* node)
 {
@@ -111,8 +119,8 @@ pdf_obj* fieldOf(fz_context* ctx, pdf_obj* widget)
     for (int depth = 0; depth < limits::fieldTreeDepth; ++depth) {
         if (pdf_dict_get(ctx, node, PDF_NAME(T)))
             return node;
-        pdf_obj* parent = pdf_dict_get(ctx, node, PDF_NAME(Parent));
-        if (!pdf_is_dict(ctx, parent))
+        pdf_obj* parent = parentOf(ctx, node);
+        if (!parent)
             break;
         node = parent;
     }
@@ -124,7 +132,7 @@ pdf_obj* inherited(fz_context* ctx, pdf_obj* node, pdf_obj* key)
     for (int depth = 0; depth < limits::fieldTreeDepth && pdf_is_dict(ctx, node); ++depth) {
         if (pdf_obj* value = pdf_dict_get(ctx, node, key))
             return value;
-        node = pdf_dict_get(ctx, node, PDF_NAME(Parent));
+        node = parentOf(ctx, node);
     }
     return nullptr;
 }
@@ -142,10 +150,15 @@ int flags(fz_context* ctx, pdf_obj* node)
 
 void appendName(fz_context* ctx, pdf_obj* field, QString& name)
 {
+    pdf_obj* nodes[limits::fieldTreeDepth];
     const char* parts[limits::fieldTreeDepth];
     int count = 0;
     for (pdf_obj* node = field; count < limits::fieldTreeDepth && pdf_is_dict(ctx, node);
-         node = pdf_dict_get(ctx, node, PDF_NAME(Parent))) {
+         node = parentOf(ctx, node)) {
+        nodes[count] = pdf_resolve_indirect(ctx, node);
+        // Where the tree goes in circles every node is named once.
+        if (std::find(nodes, nodes + count, nodes[count]) != nodes + count)
+            break;
         pdf_obj* part = pdf_dict_get(ctx, node, PDF_NAME(T));
         parts[count++] = part ? pdf_to_text_string(ctx, part) : "";
     }
@@ -242,8 +255,8 @@ void prepareForChange(fz_context* ctx, pdf_document* document, pdf_obj* field)
     }
     pdf_obj* top = field;
     for (int depth = 0; depth < limits::fieldTreeDepth; ++depth) {
-        pdf_obj* parent = pdf_dict_get(ctx, top, PDF_NAME(Parent));
-        if (!pdf_is_dict(ctx, parent))
+        pdf_obj* parent = parentOf(ctx, top);
+        if (!parent)
             break;
         top = parent;
     }

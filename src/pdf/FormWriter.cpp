@@ -97,14 +97,15 @@ std::vector<QByteArray> valuesOf(const PDFFormField& field)
     return values;
 }
 
-/// The appearance of the state, or null.
+/// The appearance of the state, or null; where it has no box, nothing of it is seen.
 pdf_obj* stateAppearance(fz_context* ctx, pdf_obj* widget, const char* state)
 {
     pdf_obj* normal = pdf_dict_get(ctx, pdf_dict_get(ctx, widget, PDF_NAME(AP)), PDF_NAME(N));
     if (pdf_is_stream(ctx, normal))
         return nullptr;
     pdf_obj* appearance = pdf_dict_gets(ctx, normal, state);
-    return pdf_is_stream(ctx, appearance) ? appearance : nullptr;
+    const bool hasBox = pdf_array_len(ctx, pdf_dict_get(ctx, appearance, PDF_NAME(BBox))) == 4;
+    return hasBox && pdf_is_stream(ctx, appearance) ? appearance : nullptr;
 }
 
 /// The zero-based index of the page in the engine's own counting, or -1.

@@ -216,6 +216,18 @@ TEST(FormFieldsTest, SurvivesTreesThatGoInCircles)
     EXPECT_EQ(fields[0].text, QString());
 }
 
+TEST(FormFieldsTest, ANodeThatIsItsOwnParentIsNamedOnce)
+{
+    FormFile file;
+    const int root = file.writer().add("null");
+    const QByteArray self = QByteArray::number(root) + " 0 R";
+    file.writer().replace(root, "<</T(root)/Parent " + self + ">>");
+    file.add("/FT/Tx/T(leaf)/Parent " + self);
+    const auto fields = file.fields();
+    ASSERT_EQ(fields.size(), 1u);
+    EXPECT_EQ(fields[0].name, QStringLiteral("root.leaf"));
+}
+
 TEST(FormFieldsTest, ADocumentWithOnlyAnXFAFormSaysSo)
 {
     FormFile empty;

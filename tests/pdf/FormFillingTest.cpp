@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/FormFile.h"
+#include "pdf/Tools.h"
 #include "support/Printing.h"
 
 #include <gmock/gmock.h>
@@ -182,6 +183,17 @@ TEST(FormFillingTest, ACheckBoxGoesOnAndOff)
     EXPECT_FALSE(file.field("box").isOn);
 }
 
+TEST(FormFillingTest, ACheckBoxIsDrawnAnewWhereItsAppearanceCannotBeShown)
+{
+    FormFile file;
+    const int stream = file.writer().addStream("0 0 20 20 re f", "/Subtype/Form");
+    file.add(
+        "/FT/Btn/T(box)/Rect[10 10 30 30]/AS/Off/AP<</N<</On " + QByteArray::number(stream) + " 0 R>>>>");
+    ASSERT_TRUE(file.set("box", FormValue(true)));
+    EXPECT_EQ(file.field("box").onState, QByteArray("On"));
+    EXPECT_GT(darkPixels(file.picture()), 20);
+}
+
 TEST(FormFillingTest, CheckBoxesOfOneNameGoTogetherWhereTheirStatesAreAlike)
 {
     FormFile file;
@@ -355,6 +367,21 @@ TEST(FormFillingTest, AFieldThatIsTurnedIsReadFromTheSide)
     // The text begins at the lower end.
     EXPECT_GT(darkPixels(image.copy(0, 60, 20, 40)), 20);
     EXPECT_EQ(darkPixels(image.copy(0, 0, 20, 40)), 0);
+}
+
+TEST(FormFillingTest, PutsNothingIntoTheFormThatIsNoField)
+{
+    FormFile file;
+    const int stream = file.writer().addStream("q Q", "/T(no field)");
+    const int field = file.add("/T(field)/FT/Tx/Parent " + QByteArray::number(stream) + " 0 R");
+    EXPECT_EQ(file.field("field").name, QStringLiteral("field"));
+    ASSERT_TRUE(file.set("field", text("typed")));
+    const TestFolder folder;
+    const QString saved = folder.path(QStringLiteral("saved.pdf"));
+    ASSERT_TRUE(file.document()->write(saved));
+    const QByteArray bytes = readFile(saved);
+    const auto fields = bytes.mid(bytes.lastIndexOf("/Fields["));
+    EXPECT_EQ(fields.left(fields.indexOf(']')), "/Fields[" + QByteArray::number(field) + " 0 R");
 }
 
 TEST(FormFillingTest, LeavesScriptsAlone)

@@ -39,33 +39,39 @@ QStringList programsLost(const QString& original, const QString& saved)
     return lost;
 }
 
-std::optional<QImage> renderWith(Renderer renderer, const QString& path, int page)
+std::optional<QImage> tryRenderingWith(Renderer renderer, const QString& path, int page, int scale)
 {
     const QTemporaryDir folder;
     const QString picture = folder.filePath(QStringLiteral("page.png"));
     const QString number = QString::number(page + 1);
+    const QString resolution = QString::number(72 * scale);
     std::optional<ToolResult> result;
     switch (renderer) {
     case Renderer::poppler:
         result = runTool(
             QStringLiteral("pdftoppm"),
-            {QStringLiteral("-r"), QStringLiteral("72"), QStringLiteral("-png"), QStringLiteral("-cropbox"),
+            {QStringLiteral("-r"), resolution, QStringLiteral("-png"), QStringLiteral("-cropbox"),
              QStringLiteral("-singlefile"), QStringLiteral("-f"), number, path,
              folder.filePath(QStringLiteral("page"))});
         break;
     case Renderer::pdfium:
-        result = runTool(QStringLiteral(QUILLO_PDFIUM), {path, picture, number});
+        result = runTool(QStringLiteral(QUILLO_PDFIUM), {path, picture, number, QString::number(scale)});
         break;
     case Renderer::mupdf:
         result = runTool(
-            QStringLiteral("mutool"), {QStringLiteral("draw"), QStringLiteral("-r"), QStringLiteral("72"),
+            QStringLiteral("mutool"), {QStringLiteral("draw"), QStringLiteral("-r"), resolution,
                                        QStringLiteral("-o"), picture, path, number});
         break;
     }
     if (!result)
         return std::nullopt;
-    const QImage image(picture);
-    EXPECT_FALSE(image.isNull()) << result->output.toStdString();
+    return QImage(picture);
+}
+
+std::optional<QImage> renderWith(Renderer renderer, const QString& path, int page, int scale)
+{
+    auto image = tryRenderingWith(renderer, path, page, scale);
+    EXPECT_FALSE(image && image->isNull()) << path.toStdString() << " cannot be drawn";
     return image;
 }
 

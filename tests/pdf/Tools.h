@@ -18,8 +18,12 @@ QStringList programsLost(const QString& original, const QString& saved);
 
 enum class Renderer { poppler, pdfium, mupdf };
 
-/// A page of a file, the first unless said otherwise, with its annotations, at a pixel a point; absent when
-/// the program is not installed. A file that it cannot draw is a failure.
-std::optional<QImage> renderWith(Renderer renderer, const QString& path, int page = 0);
+/// A page of a file, the first unless said otherwise, with its annotations, at so many pixels a point; absent
+/// when the program is not installed, null when it cannot draw the page. Qt does not have PDFium draw form
+/// fields.
+std::optional<QImage> tryRenderingWith(Renderer renderer, const QString& path, int page = 0, int scale = 1);
+
+/// The same of a page that the program can draw.
+std::optional<QImage> renderWith(Renderer renderer, const QString& path, int page = 0, int scale = 1);
 
 QByteArray readFile(const QString& path);
