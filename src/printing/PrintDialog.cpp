@@ -29,21 +29,22 @@ namespace {
 
 constexpr int mostCopies = 999;
 
-constexpr std::array filePapers = {
+constexpr std::array commonSizes = {
     QPageSize::A4, QPageSize::Letter, QPageSize::Legal, QPageSize::A3, QPageSize::A5};
 
-/// What a file can be printed on. Nothing of it stays blank.
-std::vector<Paper> papersOfFile()
+/// For files, and for printers that do not tell what they have. Nothing of it stays blank.
+std::vector<Paper> commonPapers()
 {
     std::vector<Paper> papers;
-    for (const QPageSize::PageSizeId id : filePapers) {
+    for (const QPageSize::PageSizeId id : commonSizes) {
         const QPageSize size(id);
         papers.push_back({size.key(), size.name(), size.size(QPageSize::Point), {}});
     }
     return papers;
 }
 
-std::size_t usualPaperOfFile()
+/// Of the above.
+std::size_t usualPaper()
 {
     return QLocale().measurementSystem() == QLocale::ImperialUSSystem ? 1 : 0;
 }
@@ -80,6 +81,8 @@ PrintDialog::PrintDialog(int pageCount, int currentPage, const QString& suggeste
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(24, 24, 24, 16);
     column->setSpacing(12);
+    // Rows come and go with the printer.
+    column->setSizeConstraint(QLayout::SetFixedSize);
     m_form->setHorizontalSpacing(12);
     m_form->setVerticalSpacing(12);
     m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
@@ -92,7 +95,6 @@ PrintDialog::PrintDialog(int pageCount, int currentPage, const QString& suggeste
     m_complaint->setWrapping(true);
     m_complaint->hide();
     column->addWidget(m_complaint);
-    column->addStretch();
     addButtons();
     followTarget();
 }
@@ -105,7 +107,6 @@ void PrintDialog::addTarget(QFormLayout& form, const QString& suggestedFile)
     connect(m_target, &QComboBox::currentIndexChanged, this, &PrintDialog::followTarget);
 
     m_note = new TextLabel(tr("Looking for printers…"), TextStyle::caption, ThemeColor::secondaryText);
-    m_note->setWrapping(true);
     form.addRow(QString(), m_note);
 
     m_file = new QLineEdit(QDir::toNativeSeparators(suggestedFile));
@@ -192,6 +193,7 @@ void PrintDialog::setPrinters(const PrinterListing& listing)
 {
     m_printers = listing.printers;
     m_note->setVisible(!listing.error.isEmpty() || m_printers.empty());
+    m_note->setWrapping(!listing.error.isEmpty());
     m_note->setText(
         listing.error.isEmpty() ? tr("There are no printers.")
                                 : tr("Printers cannot be used: %1").arg(listing.error));
@@ -227,10 +229,10 @@ void PrintDialog::followTarget()
     show(m_fileRow, !chosen);
     show(m_sides, chosen && chosen->printsTwoSided);
     show(m_colour, chosen && chosen->printsColour);
-    if (chosen)
+    if (chosen && !chosen->papers.empty())
         offerPapers(chosen->papers, chosen->usualPaper);
     else
-        offerPapers(papersOfFile(), usualPaperOfFile());
+        offerPapers(commonPapers(), usualPaper());
 }
 
 void PrintDialog::offerPapers(const std::vector<Paper>& papers, std::size_t usual)

@@ -243,6 +243,16 @@ TEST_F(PrintDialogTest, OffersThePrintersAndChoosesTheUsualOne)
     EXPECT_THAT(m_dialog.settings().printerOptions, IsEmpty());
 }
 
+TEST_F(PrintDialogTest, OffersCommonPapersWhereThePrinterTellsNone)
+{
+    PrinterDescription silent = printer(QStringLiteral("silent"), true);
+    silent.papers.clear();
+    m_dialog.setPrinters({{silent}, {}});
+    choose("Paper", QStringLiteral("A4"));
+    EXPECT_EQ(m_dialog.settings().layout.paper, QSizeF(595, 842));
+    EXPECT_TRUE(m_dialog.settings().printerOptions.contains(QStringLiteral("media=A4")));
+}
+
 TEST_F(PrintDialogTest, DoesNotTakeAwayAFileThatIsBeingNamed)
 {
     type("File", m_folder.path(QStringLiteral("other.pdf")));
