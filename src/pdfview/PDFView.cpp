@@ -2,6 +2,7 @@
 #include "pdfview/PDFView.h"
 
 #include "pdf/PDFDocument.h"
+#include "pdfview/AccessiblePDFView.h"
 #include "pdfview/FormFiller.h"
 #include "pdfview/HighlightedSelections.h"
 #include "pdfview/KeyboardSelector.h"
@@ -13,6 +14,7 @@
 #include "pdfview/SelectionEmphasis.h"
 #include "pdfview/TextRevealer.h"
 #include "pdfview/TextSelector.h"
+#include "pdfview/ViewAnnouncer.h"
 
 #include <QEvent>
 #include <QHelpEvent>
@@ -61,7 +63,9 @@ PDFView::PDFView(QWidget* parent)
     , m_revealer(std::make_unique<TextRevealer>(*this, *m_reader, *m_scrolling))
     , m_emphasis(std::make_unique<SelectionEmphasis>(*this, *m_reader, *m_selector, *m_revealer))
     , m_keyboard(std::make_unique<KeyboardSelector>(*this, *m_reader, *m_selector, *m_revealer))
+    , m_announcer(std::make_unique<ViewAnnouncer>(*this))
 {
+    AccessiblePDFView::install();
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(tr("Document pages"));

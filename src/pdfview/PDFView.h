@@ -34,6 +34,7 @@ class ScrollAnimation;
 class SelectionEmphasis;
 class TextRevealer;
 class TextSelector;
+class ViewAnnouncer;
 struct TextMatch;
 
 /// A document as a view takes it: opened and unlocked, with a renderer that may have its first page under
@@ -47,8 +48,8 @@ struct ShownDocument
 
 /// Shows the pages of a document one below the other and lets the user scroll and zoom. What stands where is
 /// PageViewport's matter, what has to be drawn TilePlan's, drawing TileRenderer's, what a key or a wheel
-/// means PDFViewInput's, what the mouse selects TextSelector's and where a link leads LinkFollower's; the
-/// view brings them together.
+/// means PDFViewInput's, what the mouse selects TextSelector's and what the keyboard does KeyboardSelector's,
+/// where a link leads LinkFollower's; the view brings them together.
 ///
 /// It never waits for the document: pages are read and drawn on other threads and appear when they are ready.
 /// The surroundings of the pages have the palette's Window colour, the page edges its Mid colour.
@@ -166,6 +167,11 @@ public:
     /// all that was entered; to be waited for before it is saved.
     void finishEditing(std::function<void()> then);
 
+    // The parts of the view, for those who speak for it.
+    const PageReader& pageReader() const { return *m_reader; }
+    TextSelector& textSelector() { return *m_selector; }
+    TextRevealer& textRevealer() { return *m_revealer; }
+
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -262,6 +268,7 @@ private:
     std::unique_ptr<TextRevealer> m_revealer;
     std::unique_ptr<SelectionEmphasis> m_emphasis;
     std::unique_ptr<KeyboardSelector> m_keyboard;
+    std::unique_ptr<ViewAnnouncer> m_announcer;
 };
 
 } // namespace pdf
