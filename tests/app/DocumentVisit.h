@@ -46,6 +46,7 @@ private:
     void step(const char* name, const std::function<void()>& work);
     void waitFor(const std::function<bool()>& isDone);
     void activate();
+    void finishEditing();
     void waitUntilDrawn();
     int countMatches(const QString& word);
 
