@@ -138,6 +138,8 @@ void PrintJob::handOver()
         if (error != QProcess::FailedToStart || m_isOver)
             return;
         m_isOver = true;
+        m_spooler->deleteLater();
+        m_spooler = nullptr;
         Q_EMIT failed(tr("The printing system is not installed."));
     });
     m_spooler->start(spoolerProgram, arguments, QIODevice::ReadOnly);
