@@ -3,6 +3,7 @@
 
 #include "pdf/PDFDocument.h"
 #include "pdf/TextLayer.h"
+#include "pdfview/LinkFollower.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/PageReader.h"
 #include "pdfview/TextRevealer.h"
@@ -45,6 +46,8 @@ QString AccessiblePDFView::text(QAccessible::Text kind) const
     const auto& document = m_view.document();
     if (kind == QAccessible::Name && document)
         return document->documentURL().fileName();
+    if (kind == QAccessible::Description && m_view.linkFollower().hasKeyboard())
+        return PDFView::tr("Link: %1").arg(m_view.linkFollower().currentHint().text);
     if (kind == QAccessible::Description && m_view.currentPageIndex() >= 0)
         return PDFView::tr("Page %1 of %2").arg(m_view.currentPageIndex() + 1).arg(m_view.pageCount());
     return QAccessibleWidget::text(kind);

@@ -142,14 +142,24 @@ void LinkFollower::dropKeyboard()
 LinkFollower::Hint LinkFollower::hintAt(QPointF viewPoint) const
 {
     const auto place = placeAt(viewPoint);
-    if (!place)
+    return place ? hint(*place) : Hint();
+}
+
+LinkFollower::Hint LinkFollower::currentHint() const
+{
+    return m_current ? hint(*m_current) : Hint();
+}
+
+LinkFollower::Hint LinkFollower::hint(const Place& place) const
+{
+    const PDFLink* link = this->link(place);
+    if (!link)
         return {};
-    const QRectF rect = area(*place).value_or(QRectF());
-    const auto& target = link(*place)->target;
-    if (const auto* destination = std::get_if<PDFDestination>(&target))
+    const QRectF rect = area(place).value_or(QRectF());
+    if (const auto* destination = std::get_if<PDFDestination>(&link->target))
         return {tr("Page %1").arg(destination->page + 1), rect};
     // Encoded, so that no letter can pass for another or turn the reading direction.
-    return {shortened(std::get<QUrl>(target).toString(QUrl::FullyEncoded)), rect};
+    return {shortened(std::get<QUrl>(link->target).toString(QUrl::FullyEncoded)), rect};
 }
 
 const PDFLink* LinkFollower::link(const Place& place) const
@@ -218,6 +228,7 @@ void LinkFollower::setCurrent(std::optional<Place> place)
         return;
     m_current = place;
     m_view.viewport()->update();
+    Q_EMIT keyboardMoved();
 }
 
 void LinkFollower::follow(const Place& place)

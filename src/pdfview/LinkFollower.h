@@ -54,8 +54,12 @@ public:
         QRectF area;
     };
     Hint hintAt(QPointF viewPoint) const;
+    /// Of the link that has the keyboard.
+    Hint currentHint() const;
 
 Q_SIGNALS:
+    /// Another link has the keyboard, or none.
+    void keyboardMoved();
     /// A link to an address of the web or of somebody's mail was followed.
     void addressFollowed(const QUrl& address);
 
@@ -67,6 +71,7 @@ private:
         friend bool operator==(const Place&, const Place&) = default;
     };
 
+    Hint hint(const Place& place) const;
     std::optional<Place> placeAt(QPointF viewPoint) const;
     /// Null when the page is not at hand.
     const PDFLink* link(const Place& place) const;

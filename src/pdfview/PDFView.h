@@ -170,6 +170,7 @@ public:
     // The parts of the view, for those who speak for it.
     const PageReader& pageReader() const { return *m_reader; }
     TextSelector& textSelector() { return *m_selector; }
+    const LinkFollower& linkFollower() const { return *m_links; }
     TextRevealer& textRevealer() { return *m_revealer; }
 
     QSize sizeHint() const override;

@@ -2,6 +2,7 @@
 #include "pdfview/ViewAnnouncer.h"
 
 #include "pdf/TextLayer.h"
+#include "pdfview/LinkFollower.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/PageReader.h"
 #include "pdfview/TextSelector.h"
@@ -20,6 +21,7 @@ ViewAnnouncer::ViewAnnouncer(PDFView& view, Announce announce)
     connect(&view, &PDFView::documentChanged, this, &ViewAnnouncer::announceDocument);
     connect(&view, &PDFView::pageChanged, this, &ViewAnnouncer::announcePage);
     connect(&view.pageReader(), &PageReader::pageRead, this, &ViewAnnouncer::announceText);
+    connect(&view.linkFollower(), &LinkFollower::keyboardMoved, this, &ViewAnnouncer::announceLink);
     connect(&view.textSelector(), &TextSelector::rangeChanged, this, &ViewAnnouncer::announceSelection);
 }
 
@@ -53,6 +55,12 @@ void ViewAnnouncer::announcePage()
         return;
     announce(QAccessibleEvent(&m_view, QAccessible::DescriptionChanged));
     announceText();
+}
+
+void ViewAnnouncer::announceLink()
+{
+    if (m_isActive)
+        announce(QAccessibleEvent(&m_view, QAccessible::DescriptionChanged));
 }
 
 void ViewAnnouncer::announceText()

@@ -11,8 +11,8 @@ namespace pdf {
 
 class PDFView;
 
-/// Tells assistive technologies when a view shows another document, another page or another selection. While
-/// none is active it does nothing. Main thread.
+/// Tells assistive technologies when a view shows another document, another page or another selection, and
+/// when a link gets the keyboard. While none is active it does nothing. Main thread.
 class ViewAnnouncer : public QObject, public QAccessible::ActivationObserver
 {
     Q_OBJECT
@@ -29,6 +29,7 @@ private:
     void announce(QAccessibleEvent&& event) const;
     void announceDocument();
     void announcePage();
+    void announceLink();
     void announceText();
     void announceSelection();
     QString pageText() const;

@@ -55,11 +55,12 @@ protected:
     }
 
     /// Waits until the first page is read.
-    void showPages(int count)
+    void showPages(int count, const QByteArray& entriesOfFirst = {})
     {
         PDFWriter writer;
-        for (int page = 1; page <= count; ++page)
-            writer.addPage(page == 1 ? twoLines : showText(72, 700, "Page " + QByteArray::number(page)));
+        writer.addPage(twoLines, entriesOfFirst);
+        for (int page = 2; page <= count; ++page)
+            writer.addPage(showText(72, 700, "Page " + QByteArray::number(page)));
         show(writer.bytes(), {700, 900});
         m_announcer = std::make_unique<ViewAnnouncer>(
             *m_view, [this](QAccessibleEvent* event) { m_announcements.push_back(announcementOf(event)); });
@@ -118,6 +119,21 @@ TEST_F(ViewAnnouncerTest, TellsOfAnotherSelection)
     m_view->clearSelection();
     selection = last(QAccessible::TextSelectionChanged);
     EXPECT_EQ(selection->start, selection->end);
+}
+
+TEST_F(ViewAnnouncerTest, TellsWhereALinkLeadsThatGetsTheKeyboard)
+{
+    showPages(2, "/Annots[<</Subtype/Link/Rect[72 600 200 620]/Dest[1/Fit]>>]");
+    QAccessible::setActive(true);
+    const auto description = [this] {
+        return QAccessible::queryAccessibleInterface(m_view.get())->text(QAccessible::Description);
+    };
+    m_view->setFocus();
+    QTest::keyClick(m_view.get(), Qt::Key_Tab);
+    EXPECT_TRUE(last(QAccessible::DescriptionChanged));
+    EXPECT_EQ(description(), QStringLiteral("Link: Page 2"));
+    QTest::keyClick(m_view.get(), Qt::Key_Escape);
+    EXPECT_EQ(description(), QStringLiteral("Page 1 of 2"));
 }
 
 TEST_F(ViewAnnouncerTest, TellsOfAnotherDocument)
