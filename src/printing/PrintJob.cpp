@@ -3,7 +3,7 @@
 
 #include "printing/RunningPrints.h"
 
-#include <QPointer>
+#include <QCoreApplication>
 #include <QProcess>
 #include <QTimer>
 
@@ -93,7 +93,7 @@ void PrintJob::cancel()
         // It ends at once, and nobody waits for that.
         m_spooler->kill();
         connect(m_spooler, &QProcess::finished, m_spooler, &QObject::deleteLater);
-        m_spooler->setParent(nullptr);
+        m_spooler->setParent(QCoreApplication::instance());
         m_spooler = nullptr;
     }
 }
