@@ -18,7 +18,7 @@ namespace pdf {
 namespace {
 
 // How strongly the colour of a selection tints the paper.
-constexpr double selectionStrength = 0.4;
+constexpr double selectionStrength = 0.5;
 
 double distance(const QRectF& rect, QPointF point)
 {

@@ -77,6 +77,14 @@ TEST(PDFSelectionTest, TakesTheNearestLineForAPointBesideTheText)
     EXPECT_EQ(text->insertionIndex({500, 10}), 23);
 }
 
+TEST(PDFSelectionTest, FindsThePlaceInALineThatIsNotTheNearest)
+{
+    const auto text = pageShowing(twoLines)->text();
+    EXPECT_EQ(text->insertionIndex({10, 702}, 15), 12);
+    EXPECT_EQ(text->insertionIndex({500, 702}, 12), 23);
+    EXPECT_EQ(text->insertionIndex({103, 10}, 11), 6) << "a line feed belongs to the line before it";
+}
+
 TEST(PDFSelectionTest, SelectsOverALineBreak)
 {
     const auto page = pageShowing(twoLines);

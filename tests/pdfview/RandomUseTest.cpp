@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QTest>
@@ -89,18 +90,44 @@ protected:
 
     void select()
     {
-        switch (number(4)) {
+        static constexpr Qt::Key keys[] = {Qt::Key_Left, Qt::Key_Right, Qt::Key_Up,
+                                           Qt::Key_Down, Qt::Key_Home,  Qt::Key_End};
+        switch (number(6)) {
         case 0:
             return m_view->selectAll();
         case 1:
             return m_view->copySelection();
         case 2:
             return QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, {}, place());
+        case 3:
+        case 4:
+            return QTest::keyClick(
+                m_view.get(), keys[number(std::size(keys))],
+                number(2) == 0 ? Qt::ShiftModifier : Qt::ShiftModifier | Qt::ControlModifier);
         default:
             QTest::mousePress(m_view->viewport(), Qt::LeftButton, {}, place());
             QTest::mouseMove(m_view->viewport(), place());
             QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, {}, place());
         }
+    }
+
+    void showMatch()
+    {
+        const int page = number(textPages);
+        const int start = number(40);
+        m_view->addHighlightedMatches({{number(textPages), start, 4}, {page, start, 4}});
+        m_view->setCurrentSelection(m_document->selection({page, start}, {page, start + 4}), true);
+        m_view->scrollSelectionToVisible();
+        if (number(2) == 0)
+            m_view->goToPage(page);
+    }
+
+    void readAloud()
+    {
+        auto* text = QAccessible::queryAccessibleInterface(m_view.get())->textInterface();
+        const int offset = number(text->characterCount() + 1);
+        EXPECT_LE(text->offsetAtPoint(text->characterRect(offset).center()), text->characterCount());
+        text->setCursorPosition(offset);
     }
 
     void fill()
@@ -139,7 +166,7 @@ protected:
 
     void doAnything()
     {
-        switch (number(20)) {
+        switch (number(24)) {
         case 0:
             return save();
         case 1:
@@ -160,6 +187,11 @@ protected:
         case 11:
         case 12:
             return zoom();
+        case 13:
+            return readAloud();
+        case 14:
+        case 15:
+            return showMatch();
         default:
             return scroll();
         }
