@@ -13,6 +13,7 @@
 #include <QSslConfiguration>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace quillo {
@@ -144,14 +145,25 @@ private:
         body->setParent(reply);
         reply->setReadBufferSize(readBufferSize);
         connect(reply, &QIODevice::readyRead, reply, [reply] { reply->skip(reply->bytesAvailable()); });
-        connect(reply, &QNetworkReply::finished, reply, [manager, reply, completion = job.completion] {
-            completion(responseOf(*reply));
+        m_completions.emplace(reply, job.completion);
+        connect(reply, &QNetworkReply::finished, this, [this, manager, reply] {
+            finish(*reply);
             manager->deleteLater();
         });
     }
 
+    void finish(const QNetworkReply& reply)
+    {
+        const auto place = m_completions.find(&reply);
+        const Completion completion = std::move(place->second);
+        m_completions.erase(place);
+        completion(responseOf(reply));
+    }
+
     NetworkTransport& m_transport;
     QEventLoop m_loop;
+    /// Not kept by the connections to the replies: Qt may let go of those on a thread of its own.
+    std::map<const QNetworkReply*, Completion> m_completions;
 };
 
 NetworkTransport::NetworkTransport() = default;

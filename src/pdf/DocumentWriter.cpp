@@ -64,10 +64,12 @@ writeObjects(DocumentHandle& document, FileReplacement& file, CookieScope& scope
         fz_output* out = newOutput(ctx, file);
         fz_try(ctx)
         {
-            if (asUpdate)
+            if (asUpdate) {
                 writer.writeUpdate(ctx, out);
-            else
+            } else {
+                document.pages.plant(ctx);
                 writer.writeDocument(ctx, out);
+            }
             fz_close_output(ctx, out);
         }
         fz_always(ctx)
@@ -86,10 +88,14 @@ std::optional<PDFError>
 writeContent(DocumentHandle& document, FileReplacement& file, CookieScope& scope, std::uint64_t& changes)
 {
     const auto canUpdate = [&document] {
-        const std::lock_guard lock(document.mutex);
-        return ObjectWriter::canUpdate(document.document);
+        // A tree for pages that have none is part of a whole new file only.
+        return !document.pages.isMissing() && ObjectWriter::canUpdate(document.document);
     };
-    if (canUpdate()) {
+    const auto canUpdateNow = [&] {
+        const std::lock_guard lock(document.mutex);
+        return canUpdate();
+    };
+    if (canUpdateNow()) {
         if (auto error = copySource(*document.source, file, scope))
             return error;
     }
@@ -98,7 +104,7 @@ writeContent(DocumentHandle& document, FileReplacement& file, CookieScope& scope
         return error;
     changes = document.changes;
     // Reading a page meanwhile may have come upon damage, and repaired the document.
-    const bool asUpdate = ObjectWriter::canUpdate(document.document);
+    const bool asUpdate = canUpdate();
     if (!asUpdate)
         file.restart();
     if (document.isLocked) {

@@ -42,6 +42,17 @@ pdf_obj* onlyPage(fz_context* ctx, pdf_obj* object, bool* contradiction)
     return nullptr;
 }
 
+/// Makes the page a child of the tree. What it had from parents of its own becomes its own.
+void adopt(fz_context* ctx, pdf_obj* page, pdf_obj* tree)
+{
+    for (pdf_obj* key : {PDF_NAME(Resources), PDF_NAME(MediaBox), PDF_NAME(CropBox), PDF_NAME(Rotate)}) {
+        pdf_obj* value = pdf_dict_get_inheritable(ctx, page, key);
+        if (value && !pdf_dict_get(ctx, page, key))
+            pdf_dict_put(ctx, page, key, value);
+    }
+    pdf_dict_put(ctx, page, PDF_NAME(Parent), tree);
+}
+
 } // namespace
 
 struct PageTree::Node
@@ -113,6 +124,33 @@ void PageTree::collectStrays(fz_context* ctx)
         }
     }
     m_pageCount = static_cast<int>(m_pages.size());
+}
+
+void PageTree::plant(fz_context* ctx)
+{
+    pdf_obj* catalog = pdf_dict_get(ctx, pdf_trailer(ctx, m_document), PDF_NAME(Root));
+    if (!isMissing() || !pdf_is_dict(ctx, catalog))
+        return;
+    pdf_obj* tree = pdf_add_new_dict(ctx, m_document, 3);
+    fz_try(ctx)
+    {
+        pdf_dict_put(ctx, tree, PDF_NAME(Type), PDF_NAME(Pages));
+        pdf_dict_put_int(ctx, tree, PDF_NAME(Count), m_pageCount);
+        pdf_obj* kids = pdf_dict_put_array(ctx, tree, PDF_NAME(Kids), m_pageCount);
+        for (pdf_obj* page : m_pages) {
+            pdf_array_push(ctx, kids, page);
+            adopt(ctx, page, tree);
+        }
+        pdf_dict_put(ctx, catalog, PDF_NAME(Pages), tree);
+    }
+    fz_always(ctx)
+    {
+        pdf_drop_obj(ctx, tree);
+    }
+    fz_catch(ctx)
+    {
+        fz_rethrow(ctx);
+    }
 }
 
 void PageTree::clear(fz_context* ctx)

@@ -29,6 +29,12 @@ public:
 
     int pageCount() const { return m_pageCount; }
 
+    /// Whether the document has no tree, and its pages are the objects that call themselves so.
+    bool isMissing() const { return !m_root && !m_pages.empty(); }
+    /// Gives the document a tree where it has none, for programs that look for no pages outside of it. May
+    /// throw as MuPDF does.
+    void plant(fz_context* ctx);
+
     /// The page's dictionary, borrowed, or null when there is none at this index. May throw as MuPDF does.
     pdf_obj* find(fz_context* ctx, int index);
 

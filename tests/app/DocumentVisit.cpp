@@ -36,7 +36,7 @@ double mainThreadSeconds()
 
 QString firstWord(pdf::PDFDocument& document)
 {
-    static const QRegularExpression word(QStringLiteral("\\p{L}{4,}"));
+    static const QRegularExpression word(QStringLiteral("\\p{L}[\\p{L}\\p{M}]{3,}"));
     const auto page = document.page(0);
     return word.match(page ? page->string().value_or(QString()) : QString()).captured();
 }

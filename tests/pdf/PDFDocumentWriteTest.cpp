@@ -91,6 +91,26 @@ TEST_F(PDFDocumentWriteTest, WritesAnUnchangedDocumentByteForByte)
     EXPECT_EQ(readFile(copy), readFile(path));
 }
 
+TEST_F(PDFDocumentWriteTest, GivesPagesATreeThatHadNone)
+{
+    PDFWriter writer;
+    const int parent = writer.add("<</Type/Nothing/MediaBox[0 0 321 200]/Rotate 90>>");
+    for (int i = 0; i < 2; ++i)
+        writer.add("<</Type/Page/Parent " + QByteArray::number(parent) + " 0 R>>");
+    writer.replace(2, "null");
+    const QString path = m_folder.write(QStringLiteral("strays.pdf"), writer.bytes());
+    const QString copy = m_folder.path(QStringLiteral("copy.pdf"));
+    const auto document = open(path);
+    ASSERT_EQ(document->pageCount(), 2);
+    ASSERT_TRUE(document->write(copy));
+    EXPECT_EQ(document->pageCount(), 2);
+    EXPECT_EQ(programsAgainst(copy).join(u' ').toStdString(), "");
+    const auto saved = open(copy);
+    ASSERT_EQ(saved->pageCount(), 2);
+    EXPECT_EQ(saved->page(1)->displaySize(), QSizeF(200, 321)) << "what the pages had from elsewhere";
+    EXPECT_EQ(saved->page(1)->rotation(), 90);
+}
+
 TEST_F(PDFDocumentWriteTest, GoesOnWorkingAfterItWasWritten)
 {
     const QString path = writeSample();
