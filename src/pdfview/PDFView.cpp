@@ -17,13 +17,9 @@
 #include "pdfview/ViewAnnouncer.h"
 
 #include <QEvent>
-#include <QHelpEvent>
-#include <QMouseEvent>
-#include <QNativeGestureEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QToolTip>
 
 #include <algorithm>
 #include <cmath>
@@ -439,81 +435,9 @@ void PDFView::announceFirstPages()
     QMetaObject::invokeMethod(this, &PDFView::firstPagesShown, Qt::QueuedConnection);
 }
 
-void PDFView::wheelEvent(QWheelEvent* event)
-{
-    event->setAccepted(m_input->wheel(*event));
-}
-
-void PDFView::keyPressEvent(QKeyEvent* event)
-{
-    // QAbstractScrollArea's own keys would move the bars behind the input's back.
-    event->setAccepted(
-        m_links->keyPress(*event) || m_keyboard->keyPress(*event) || m_input->keyPress(*event));
-}
-
-void PDFView::mousePressEvent(QMouseEvent* event)
-{
-    if (m_forms->mousePress(*event))
-        return;
-    // Where a link is, text may be selected as well; only the release tells which was meant.
-    m_links->mousePress(*event);
-    event->setAccepted(m_selector->mousePress(*event));
-}
-
-void PDFView::mouseDoubleClickEvent(QMouseEvent* event)
-{
-    mousePressEvent(event);
-}
-
-void PDFView::mouseMoveEvent(QMouseEvent* event)
-{
-    if (!m_forms->mouseMove(*event) && !m_links->mouseMove(*event) && !m_selector->mouseMove(*event))
-        viewport()->unsetCursor();
-}
-
-void PDFView::mouseReleaseEvent(QMouseEvent* event)
-{
-    if (m_forms->mouseRelease(*event))
-        return;
-    const bool isText = m_selector->mouseRelease(*event);
-    event->setAccepted(m_links->mouseRelease(*event) || isText);
-}
-
-void PDFView::focusOutEvent(QFocusEvent* event)
-{
-    m_links->dropKeyboard();
-    QAbstractScrollArea::focusOutEvent(event);
-}
-
-bool PDFView::focusNextPrevChild(bool next)
-{
-    // The form fields come first, then the links.
-    const bool walksInForm = next && !m_links->hasKeyboard() && m_forms->walkIn(true);
-    if (walksInForm || m_links->walk(next) || (!next && m_forms->walkIn(false)))
-        return true;
-    return QAbstractScrollArea::focusNextPrevChild(next);
-}
-
 void PDFView::finishEditing(std::function<void()> then)
 {
     m_forms->finish(std::move(then));
-}
-
-bool PDFView::viewportEvent(QEvent* event)
-{
-    if (event->type() == QEvent::NativeGesture && m_input->gesture(*static_cast<QNativeGestureEvent*>(event)))
-        return true;
-    if (event->type() == QEvent::ToolTip)
-        return showHint(*static_cast<QHelpEvent*>(event));
-    return QAbstractScrollArea::viewportEvent(event);
-}
-
-bool PDFView::showHint(const QHelpEvent& event) const
-{
-    const auto hint = m_links->hintAt(event.pos());
-    // An empty text hides the hint that is there.
-    QToolTip::showText(event.globalPos(), hint.text, viewport(), hint.area.toAlignedRect());
-    return true;
 }
 
 } // namespace pdf
