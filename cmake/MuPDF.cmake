@@ -14,7 +14,7 @@ target_link_libraries(MuPDF::MuPDF INTERFACE
 find_path(OPENJPEG_INCLUDE_DIR openjpeg.h PATH_SUFFIXES openjpeg-2.5 REQUIRED)
 target_include_directories(MuPDF::MuPDF SYSTEM INTERFACE ${OPENJPEG_INCLUDE_DIR})
 foreach(function fz_open_flated fz_open_lzwd fz_open_rld fz_open_dctd fz_process_shade
-        jpeg_CreateDecompress jpeg_std_error opj_decode pdf_repair_xref
+        jpeg_CreateDecompress jpeg_std_error opj_decode pdf_objcmp pdf_repair_xref
         jbig2_data_in jbig2_complete_page jbig2_ctx_free jbig2_global_ctx_free)
   target_link_options(MuPDF::MuPDF INTERFACE "-Wl,--wrap=${function}")
 endforeach()

@@ -102,5 +102,36 @@ TEST(PDFDisplayListTest, RoundsThePixelsOfAPageUp)
     EXPECT_EQ(pixelSize({0.1, 0.1}, 0.5), QSize(1, 1));
 }
 
+/// A page of one colour by way of a shading that is no object of its own, but for its function.
+QByteArray shadedPage(const QByteArray& color, int objectsBefore = 0)
+{
+    PDFWriter writer;
+    for (int i = 0; i < objectsBefore; ++i)
+        writer.add("null");
+    const int function =
+        writer.add("<</FunctionType 2/Domain[0 1]/C0[" + color + "]/C1[" + color + "]/N 1>>");
+    writer.setResources(
+        "/Shading<</S<</ShadingType 2/ColorSpace/DeviceRGB/Coords[0 0 100 0]/Function " +
+        QByteArray::number(function) + " 0 R>>>>");
+    writer.addPage("/S sh", "/MediaBox[0 0 100 100]");
+    return writer.bytes();
+}
+
+TEST(PDFDisplayListTest, DoesNotTakeTheShadingOfAnotherDocument)
+{
+    const TestFolder folder;
+    const auto colorOf = [](PDFDocument& document) {
+        return draw(*document.page(0)->contentDisplayList(), {0, 0, 100, 100}, 1).pixel(50, 50);
+    };
+    const auto red = PDFDocument::open(folder.write(QStringLiteral("red.pdf"), shadedPage("1 0 0")));
+    const auto blue = PDFDocument::open(folder.write(QStringLiteral("blue.pdf"), shadedPage("0 0 1")));
+    // Its shading names an object that the others lack.
+    const auto large = PDFDocument::open(folder.write(QStringLiteral("large.pdf"), shadedPage("0 1 0", 100)));
+    EXPECT_EQ(colorOf(**red), qRgb(255, 0, 0));
+    EXPECT_EQ(colorOf(**blue), qRgb(0, 0, 255)) << "by its text it is the same";
+    EXPECT_EQ(colorOf(**large), qRgb(0, 255, 0));
+    EXPECT_EQ(colorOf(**red), qRgb(255, 0, 0));
+}
+
 } // namespace
 } // namespace pdf

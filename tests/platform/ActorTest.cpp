@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QObject>
+#include <QSemaphore>
 #include <QTest>
 #include <QThread>
 
@@ -59,9 +60,14 @@ TEST(ActorTest, DropsTheContinuationOfADeadContext)
     Actor actor(QStringLiteral("test"));
     bool continued = false;
     auto context = std::make_unique<QObject>();
-    QFuture<int> future = actor.run([] { return 1; });
+    QSemaphore isDead;
+    QFuture<int> future = actor.run([&isDead] {
+        isDead.acquire();
+        return 1;
+    });
     future.then(context.get(), [&](int) { continued = true; });
     context.reset();
+    isDead.release();
     future.waitForFinished();
     QTest::qWait(20);
     EXPECT_FALSE(continued);
