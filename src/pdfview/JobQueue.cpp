@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/JobQueue.h"
 
-#include <QMetaObject>
+#include "pdfview/Waker.h"
 
 #include <deque>
 #include <mutex>
@@ -14,22 +14,27 @@ struct JobQueue::Shared
 {
     std::mutex mutex;
     /// Null when the queue is gone.
-    QObject* receiver = nullptr;
+    Waker* waker = nullptr;
     std::deque<std::function<void()>> jobs;
+    /// What has been handed back.
+    std::deque<std::function<void()>> calls;
     bool isRunning = false;
 };
 
 JobQueue::JobQueue()
-    : m_receiver(std::make_unique<QObject>())
-    , m_shared(std::make_shared<Shared>())
+    : m_shared(std::make_shared<Shared>())
+    , m_waker(std::make_unique<Waker>([shared = m_shared] { takeBack(*shared); }))
 {
-    m_shared->receiver = m_receiver.get();
+    m_shared->waker = m_waker.get();
 }
 
 JobQueue::~JobQueue()
 {
+    // What they hold is let go of after the lock.
+    std::deque<std::function<void()>> calls;
     const std::lock_guard lock(m_shared->mutex);
-    m_shared->receiver = nullptr;
+    m_shared->waker = nullptr;
+    calls.swap(m_shared->calls);
 }
 
 void JobQueue::start(std::function<void()> job)
@@ -59,8 +64,21 @@ void JobQueue::work(const std::shared_ptr<Shared>& shared)
 void JobQueue::handBack(Shared& shared, std::function<void()> call)
 {
     const std::lock_guard lock(shared.mutex);
-    if (shared.receiver)
-        QMetaObject::invokeMethod(shared.receiver, std::move(call), Qt::QueuedConnection);
+    if (!shared.waker)
+        return;
+    shared.calls.push_back(std::move(call));
+    shared.waker->wake();
+}
+
+void JobQueue::takeBack(Shared& shared)
+{
+    std::function<void()> call;
+    {
+        const std::lock_guard lock(shared.mutex);
+        call = std::move(shared.calls.front());
+        shared.calls.pop_front();
+    }
+    call();
 }
 
 } // namespace pdf

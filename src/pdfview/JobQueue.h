@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include <QObject>
-
 #include <functional>
 #include <memory>
 #include <utility>
 
 namespace pdf {
+
+class Waker;
 
 /// Does jobs one after another on a thread of its own, so that the view never waits for the document. The
 /// thread begins with the first job, ends when there are no more, and is not waited for by whoever closes a
@@ -36,10 +36,11 @@ private:
     void start(std::function<void()> job);
     static void work(const std::shared_ptr<Shared>& shared);
     static void handBack(Shared& shared, std::function<void()> call);
+    static void takeBack(Shared& shared);
 
-    /// Lives as long as this object; what is handed back is handed to it.
-    const std::unique_ptr<QObject> m_receiver;
     const std::shared_ptr<Shared> m_shared;
+    /// Lives as long as this object; what is handed back is called by it.
+    const std::unique_ptr<Waker> m_waker;
 };
 
 } // namespace pdf

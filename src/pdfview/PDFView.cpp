@@ -15,6 +15,7 @@
 #include "pdfview/TextRevealer.h"
 #include "pdfview/TextSelector.h"
 #include "pdfview/ViewAnnouncer.h"
+#include "pdfview/Waker.h"
 
 #include <QEvent>
 #include <QPaintEvent>
@@ -50,6 +51,7 @@ PDFView::PDFView(QWidget* parent)
     : QAbstractScrollArea(parent)
     , m_cache(smallestCache)
     , m_scrolling(new ScrollAnimation(this))
+    , m_waker(std::make_unique<Waker>([this] { takeResults(); }))
     , m_input(std::make_unique<PDFViewInput>(*this))
     , m_forms(std::make_unique<FormFiller>(*this))
     , m_reader(std::make_unique<PageReader>(*this))
@@ -114,8 +116,7 @@ void PDFView::setDocument(ShownDocument shown)
     // What is already drawn is taken over now, so that it is in the very first frame.
     takeResults();
     if (m_shown.renderer) {
-        m_shown.renderer->setNotifier(
-            [this] { QMetaObject::invokeMethod(this, &PDFView::takeResults, Qt::QueuedConnection); });
+        m_shown.renderer->setNotifier([waker = m_waker.get()] { waker->wake(); });
     }
     m_currentPage = -1;
     Q_EMIT documentChanged();

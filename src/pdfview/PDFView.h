@@ -35,6 +35,7 @@ class SelectionEmphasis;
 class TextRevealer;
 class TextSelector;
 class ViewAnnouncer;
+class Waker;
 struct TextMatch;
 
 /// A document as a view takes it: opened and unlocked, with a renderer that may have its first page under
@@ -256,6 +257,8 @@ private:
     bool m_isMovingBars = false;
     bool m_hasShownPages = true;
     ScrollAnimation* m_scrolling;
+    /// Called by the renderer.
+    const std::unique_ptr<Waker> m_waker;
     /// Where the view is to go when it is known how that page lies.
     std::optional<PDFDestination> m_arrival;
     std::vector<PDFDestination> m_placesBefore;
