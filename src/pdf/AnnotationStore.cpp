@@ -280,7 +280,9 @@ AnnotationStore::annotationOf(const Found& found, int pageIndex, const std::shar
     annotation->m_properties.isReadOnly = (found.flags & annotations::fieldIsReadOnly) != 0;
     annotation->m_document = document;
     annotation->m_pageIndex = pageIndex;
-    m_entries.push_back({annotation, pageIndex, pdf_keep_obj(ctx, found.object), {}, {}});
+    // Kept only once there is an entry that gives it back.
+    m_entries.push_back({annotation, pageIndex, found.object, {}, {}});
+    pdf_keep_obj(ctx, found.object);
     return annotation;
 }
 

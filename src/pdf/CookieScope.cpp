@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace pdf {
@@ -76,14 +77,21 @@ private:
     TimePoint m_wakeTime = TimePoint::max();
 };
 
-CookieScope::CookieScope(const Cancellation& cancellation, std::chrono::milliseconds time)
+CookieScope::CookieScope(
+    const Cancellation& cancellation, std::chrono::milliseconds time, Clock::time_point now)
     : m_cancellation(cancellation)
     , m_end(m_clock.now() + time)
     , m_deadline(std::min(
-          Clock::now() + std::max(time, limits::patience),
+          now + std::max(time, limits::patience),
           cancellation.m_state->deadline.value_or(Clock::time_point::max())))
     // The processor's time runs no faster than the clock.
-    , m_nextLook(std::min(m_deadline, Clock::now() + time))
+    , m_nextLook(std::min(m_deadline, now + time))
+{}
+
+// Where there is no memory to make the scope known, the destructor makes it unknown again, because the other
+// constructor has come to its end.
+CookieScope::CookieScope(const Cancellation& cancellation, std::chrono::milliseconds time)
+    : CookieScope(cancellation, time, Clock::now())
 {
     currentScope = this;
     {
@@ -91,13 +99,15 @@ CookieScope::CookieScope(const Cancellation& cancellation, std::chrono::millisec
         m_cancellation.m_state->scopes.push_back(this);
     }
     DeadlineWatch::shared().add(this);
+    m_isWatched = true;
     if (m_cancellation.isCancelled())
         stop();
 }
 
 CookieScope::~CookieScope()
 {
-    DeadlineWatch::shared().remove(this);
+    if (m_isWatched)
+        DeadlineWatch::shared().remove(this);
     {
         const std::lock_guard lock(m_cancellation.m_state->mutex);
         std::erase(m_cancellation.m_state->scopes, this);
@@ -126,6 +136,12 @@ void CookieScope::stop()
     std::atomic_ref(m_cookie.abort).store(1, std::memory_order_relaxed);
 }
 
+void CookieScope::fail(PDFError reason)
+{
+    m_failure = std::move(reason);
+    stop();
+}
+
 bool CookieScope::isStopped() const
 {
     // The reference is only read through; atomic_ref has no constructor for constant objects yet.
@@ -147,6 +163,8 @@ std::optional<PDFError> CookieScope::interruption() const
         return std::nullopt;
     if (m_cancellation.isCancelled())
         return PDFError{PDFError::Code::cancelled, QStringLiteral("the operation was cancelled")};
+    if (m_failure)
+        return m_failure;
     return PDFError{PDFError::Code::limitExceeded, QStringLiteral("the document asks for too much")};
 }
 

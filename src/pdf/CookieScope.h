@@ -38,6 +38,9 @@ public:
     /// Tells the operation to stop. Any thread.
     void stop();
 
+    /// Tells the operation to stop for a reason of its own. For the operation's thread.
+    void fail(PDFError reason);
+
     bool isStopped() const;
     /// True when the operation was told to stop and has had its time to do so. For the operation's thread.
     bool isRefused();
@@ -48,6 +51,9 @@ public:
 private:
     friend class DeadlineWatch;
     using Clock = std::chrono::steady_clock;
+
+    /// Not yet known to anybody who could stop it.
+    CookieScope(const Cancellation& cancellation, std::chrono::milliseconds time, Clock::time_point now);
 
     /// Stops the operation where its time is over, else says when to look again.
     void watch(Clock::time_point now);
@@ -61,6 +67,8 @@ private:
     Clock::time_point m_nextLook;
     fz_cookie m_cookie = {};
     std::optional<Clock::time_point> m_refusal;
+    std::optional<PDFError> m_failure;
+    bool m_isWatched = false;
 };
 
 } // namespace pdf

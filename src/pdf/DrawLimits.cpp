@@ -2,6 +2,7 @@
 #include "pdf/DrawLimits.h"
 
 #include "pdf/Limits.h"
+#include "pdf/MuPDFVersion.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/EncodedFont.h"
 
+#include "pdf/MuPDFVersion.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -32,8 +34,8 @@ EncodedFont::EncodedFont(const Table& table)
 {
     for (std::size_t code = 0; code < table.characters.size(); ++code) {
         const char32_t character = table.characters[code];
-        if (character != 0 && !m_codes.contains(character))
-            m_codes.insert(character, static_cast<unsigned char>(code));
+        if (character != 0)
+            m_codes.emplace(character, static_cast<unsigned char>(code));
     }
 }
 
@@ -50,7 +52,7 @@ QByteArray EncodedFont::encode(QStringView text) const
     QByteArray codes;
     for (const uint character : text.toUcs4()) {
         if (const auto code = m_codes.find(character); code != m_codes.end())
-            codes += static_cast<char>(*code);
+            codes += static_cast<char>(code->second);
     }
     return codes;
 }

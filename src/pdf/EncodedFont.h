@@ -4,11 +4,11 @@
 #include "pdf/FieldFont.h"
 
 #include <QByteArray>
-#include <QHash>
 
 #include <mupdf/pdf.h>
 
 #include <array>
+#include <unordered_map>
 
 namespace pdf {
 
@@ -32,7 +32,7 @@ public:
 
 private:
     Table m_table;
-    QHash<char32_t, unsigned char> m_codes;
+    std::unordered_map<char32_t, unsigned char> m_codes;
 };
 
 /// Reads what the font shows. A font whose codes have more than one byte, or one that is drawn glyph by glyph

@@ -2,6 +2,7 @@
 #include "pdf/Engine.h"
 
 #include "pdf/Limits.h"
+#include "pdf/MuPDFVersion.h"
 
 #include <array>
 #include <atomic>
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <new>
+#include <stdexcept>
 
 namespace pdf::engine {
 namespace {
@@ -148,6 +150,33 @@ PDFError caughtError(fz_context* ctx)
     return {outOfMemory ? PDFError::Code::limitExceeded : PDFError::Code::damaged, message};
 }
 
+PDFError outOfMemory()
+{
+    return {PDFError::Code::limitExceeded, QStringLiteral("there is not enough memory")};
+}
+
+PDFError unexpectedError()
+{
+    return {PDFError::Code::damaged, QStringLiteral("the operation failed unexpectedly")};
+}
+
+/// What became of a call; absent when it came to its end. Nothing of the exception outlives this function, so
+/// that MuPDF may jump afterwards.
+std::optional<PDFError> failureOf(void (*call)(void* data), void* data)
+{
+    try {
+        call(data);
+        return std::nullopt;
+    } catch (const std::bad_alloc&) {
+        return outOfMemory();
+    } catch (const std::length_error&) {
+        // A container that was asked for more than it can ever hold.
+        return outOfMemory();
+    } catch (...) {
+        return unexpectedError();
+    }
+}
+
 } // namespace
 
 fz_context* context()
@@ -171,6 +200,43 @@ void rethrowUnlessDamage(fz_context* ctx)
         fz_rethrow(ctx);
 }
 
+void translatedCall(fz_context* ctx, void (*call)(void* data), void* data)
+{
+    fz_error_stack_slot* const top = ctx->error.top;
+    int code = FZ_ERROR_NONE;
+    if (auto failure = failureOf(call, data)) {
+        code = failure->code == PDFError::Code::limitExceeded ? FZ_ERROR_MEMORY : FZ_ERROR_ABORT;
+        // MuPDF drops what it uses on other occasions, too, when there is no operation.
+        if (CookieScope* scope = CookieScope::current())
+            scope->fail(*std::move(failure));
+    }
+    if (code == FZ_ERROR_NONE)
+        return;
+    // The slots of the fz_try blocks that the exception has left.
+    ctx->error.top = top;
+    fz_throw(ctx, code, "a C++ exception ended the operation");
+}
+
+void takeBytes(fz_context* ctx, fz_buffer* buffer, QByteArray& bytes)
+{
+    fz_try(ctx)
+    {
+        unsigned char* data = nullptr;
+        const std::size_t size = fz_buffer_storage(ctx, buffer, &data);
+        translated(ctx, [&] {
+            bytes = QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+        });
+    }
+    fz_always(ctx)
+    {
+        fz_drop_buffer(ctx, buffer);
+    }
+    fz_catch(ctx)
+    {
+        fz_rethrow(ctx);
+    }
+}
+
 std::optional<PDFError> attemptCall(CookieScope& scope, void (*work)(fz_context* ctx, void* data), void* data)
 {
     fz_context* ctx = context();
@@ -178,7 +244,7 @@ std::optional<PDFError> attemptCall(CookieScope& scope, void (*work)(fz_context*
     fz_var(failed);
     fz_try(ctx)
     {
-        work(ctx, data);
+        translated(ctx, [&] { work(ctx, data); });
     }
     fz_catch(ctx)
     {

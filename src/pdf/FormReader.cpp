@@ -74,8 +74,18 @@ void appendValue(fz_context* ctx, pdf_obj* value, QStringList& values)
         values.append(QString::fromUtf8(pdf_to_text_string(ctx, value)));
     } else if (pdf_is_stream(ctx, value)) {
         char* text = pdf_load_stream_or_string_as_utf8(ctx, value);
-        values.append(QString::fromUtf8(text));
-        fz_free(ctx, text);
+        fz_try(ctx)
+        {
+            engine::translated(ctx, [&] { values.append(QString::fromUtf8(text)); });
+        }
+        fz_always(ctx)
+        {
+            fz_free(ctx, text);
+        }
+        fz_catch(ctx)
+        {
+            fz_rethrow(ctx);
+        }
     }
 }
 

@@ -4,7 +4,6 @@
 #include "pdf/Limits.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace pdf {
 namespace {
@@ -18,26 +17,17 @@ GlyphCollector::GlyphCollector()
     m_glyphs.reserve(usualGlyphsPerPage);
 }
 
-bool GlyphCollector::begin(const GlyphRun& run) noexcept
+void GlyphCollector::begin(const GlyphRun& run)
 {
-    try {
-        m_runs.push_back(run);
-        m_runs.back().firstGlyph = m_glyphs.size();
-    } catch (const std::exception&) {
-        return false;
-    }
-    return true;
+    m_runs.push_back(run);
+    m_runs.back().firstGlyph = m_glyphs.size();
 }
 
-bool GlyphCollector::add(const Glyph& glyph) noexcept
+bool GlyphCollector::add(const Glyph& glyph)
 {
     if (m_glyphs.size() >= limits::glyphsPerPage)
         return false;
-    try {
-        m_glyphs.push_back(glyph);
-    } catch (const std::exception&) {
-        return false;
-    }
+    m_glyphs.push_back(glyph);
     return true;
 }
 

@@ -44,11 +44,10 @@ class GlyphCollector
 public:
     GlyphCollector();
 
-    /// The glyphs that follow belong to this run, whose first glyph is set here. False when there is no
-    /// memory; never throws.
-    bool begin(const GlyphRun& run) noexcept;
-    /// False when there are more glyphs than any page has, or no memory; never throws.
-    bool add(const Glyph& glyph) noexcept;
+    /// The glyphs that follow belong to this run, whose first glyph is set here.
+    void begin(const GlyphRun& run);
+    /// False when there are more glyphs than any page has.
+    bool add(const Glyph& glyph);
 
     const std::vector<GlyphRun>& runs() const { return m_runs; }
     const std::vector<Glyph>& glyphs() const { return m_glyphs; }

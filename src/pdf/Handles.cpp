@@ -2,6 +2,7 @@
 #include "pdf/Handles.h"
 
 #include "pdf/Engine.h"
+#include "pdf/MuPDFVersion.h"
 
 #include <cmath>
 

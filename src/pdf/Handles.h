@@ -6,7 +6,6 @@
 #include "pdf/PageTree.h"
 #include "pdf/SourceFile.h"
 
-#include <QHash>
 #include <QRectF>
 #include <QTransform>
 
@@ -17,6 +16,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <unordered_map>
 
 // What the engine's public classes hold of MuPDF.
 namespace pdf {
@@ -56,7 +56,7 @@ public:
     /// The changes that the document's own file has.
     std::atomic<std::uint64_t> savedChanges = 0;
     /// The pages that somebody holds, by index.
-    QHash<int, std::weak_ptr<PDFPage>> livePages;
+    std::unordered_map<int, std::weak_ptr<PDFPage>> livePages;
 };
 
 /// How a page lies in its display.

@@ -2,6 +2,7 @@
 #include "pdf/ObjectCopier.h"
 
 #include "pdf/Engine.h"
+#include "pdf/MuPDFVersion.h"
 
 #include <algorithm>
 #include <array>
@@ -58,7 +59,7 @@ int ObjectCopier::copyOf(fz_context* ctx, pdf_obj* reference, bool isForm)
 {
     const int source = pdf_to_num(ctx, reference);
     const auto index = static_cast<std::size_t>(source);
-    engine::guarded(ctx, [&] {
+    engine::translated(ctx, [&] {
         if (index >= m_copies.size())
             m_copies.resize(index + 1);
         if (m_copies[index] != 0)
@@ -150,10 +151,10 @@ void ObjectCopier::write(fz_context* ctx, const Pending& pending)
         }
         fz_close_output(ctx, out);
 
-        // From here on nothing throws, so an object is written whole or not at all.
+        // From where the object has begun nothing throws, so it is written whole or not at all.
         unsigned char* head = nullptr;
         const std::size_t headSize = fz_buffer_storage(ctx, text, &head);
-        m_file.beginObject(pending.copy);
+        engine::translated(ctx, [&] { m_file.beginObject(pending.copy); });
         m_file.append(reinterpret_cast<const char*>(head), headSize);
         if (stream) {
             m_file.append(reinterpret_cast<const char*>(data), size);

@@ -2,12 +2,12 @@
 #include "pdf/ObjectWriter.h"
 
 #include "pdf/Engine.h"
+#include "pdf/MuPDFVersion.h"
 
 #include <QRandomGenerator>
 
 #include <algorithm>
 #include <array>
-#include <new>
 
 namespace pdf {
 namespace {
@@ -25,18 +25,10 @@ constexpr std::array sectionKeys = {"DecodeParms", "Filter", "Index", "Length", 
 /// What a trailer says about the document.
 constexpr std::array documentKeys = {"Root", "Info", "Encrypt", "ID"};
 
-/// A C++ exception must not cross MuPDF's frames.
 template <typename Value>
 void append(fz_context* ctx, std::vector<Value>& values, const Value& value)
 {
-    bool failed = false;
-    try {
-        values.push_back(value);
-    } catch (const std::bad_alloc&) {
-        failed = true;
-    }
-    if (failed)
-        fz_throw(ctx, FZ_ERROR_MEMORY, "there is not enough memory for the list of objects");
+    engine::translated(ctx, [&] { values.push_back(value); });
 }
 
 void writeBytes(fz_context* ctx, void* out, const unsigned char* data, std::size_t size)

@@ -141,13 +141,18 @@ int PDFDocument::pageCount() const
 
 std::shared_ptr<PDFPage> PDFDocument::page(int index)
 {
-    // Declared first, so that it is destroyed after the lock is given back: destroying a page takes the lock.
+    // Declared first, so that they are destroyed after the lock is given back: destroying a page takes the
+    // lock. That goes for a lack of memory as well.
     std::unique_ptr<PageHandle> handle;
+    std::unique_ptr<PDFPage> unshared;
+    std::shared_ptr<PDFPage> page;
     const std::lock_guard lock(m_handle->mutex);
     if (m_handle->isLocked)
         return nullptr;
-    if (auto live = m_handle->livePages.value(index).lock())
-        return live;
+    if (const auto known = m_handle->livePages.find(index); known != m_handle->livePages.end()) {
+        if (auto live = known->second.lock())
+            return live;
+    }
 
     handle = std::make_unique<PageHandle>(*m_handle);
     CookieScope scope{Cancellation()};
@@ -159,8 +164,9 @@ std::shared_ptr<PDFPage> PDFDocument::page(int index)
     });
     if (error)
         return nullptr;
-    std::shared_ptr<PDFPage> page(new PDFPage(shared_from_this(), std::move(handle)));
-    m_handle->livePages.insert(index, page);
+    unshared.reset(new PDFPage(shared_from_this(), std::move(handle)));
+    page = std::move(unshared);
+    m_handle->livePages[index] = page;
     return page;
 }
 

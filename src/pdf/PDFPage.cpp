@@ -5,6 +5,7 @@
 #include "pdf/FormReader.h"
 #include "pdf/Handles.h"
 #include "pdf/LinkReader.h"
+#include "pdf/MuPDFVersion.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/TextDevice.h"
 #include "pdf/TextLayer.h"
@@ -153,7 +154,7 @@ Result<std::monostate> PDFPage::setRotation(int degrees)
     const int rotation = normalisedRotation(degrees);
     if (rotation == m_handle->geometry().rotation)
         return std::monostate();
-    for (const auto& page : std::as_const(document.livePages)) {
+    for (const auto& [number, page] : document.livePages) {
         if (auto live = page.lock())
             others.push_back(std::move(live));
     }

@@ -68,9 +68,15 @@ struct PageTree::Node
 
     void clear(fz_context* ctx)
     {
+        clearKids(ctx);
+        pdf_drop_obj(ctx, object);
+    }
+
+    void clearKids(fz_context* ctx)
+    {
         for (Node& kid : kids)
             kid.clear(ctx);
-        pdf_drop_obj(ctx, object);
+        kids.clear();
     }
 };
 
@@ -100,6 +106,19 @@ void PageTree::load(fz_context* ctx, pdf_document* document)
     }
 }
 
+void PageTree::addPage(fz_context* ctx, pdf_obj* page)
+{
+    engine::translated(ctx, [&] { m_pages.push_back(page); });
+    pdf_keep_obj(ctx, page);
+}
+
+void PageTree::dropPages(fz_context* ctx)
+{
+    for (pdf_obj* page : m_pages)
+        pdf_drop_obj(ctx, page);
+    m_pages.clear();
+}
+
 /// Without a tree, the pages are all objects that say they are pages, in the order of their numbers.
 void PageTree::collectStrays(fz_context* ctx)
 {
@@ -112,7 +131,7 @@ void PageTree::collectStrays(fz_context* ctx)
         {
             object = pdf_new_indirect(ctx, m_document, number, 0);
             if (isPage(ctx, object))
-                m_pages.push_back(pdf_keep_obj(ctx, object));
+                addPage(ctx, object);
         }
         fz_always(ctx)
         {
@@ -155,9 +174,7 @@ void PageTree::plant(fz_context* ctx)
 
 void PageTree::clear(fz_context* ctx)
 {
-    for (pdf_obj* page : m_pages)
-        pdf_drop_obj(ctx, page);
-    m_pages.clear();
+    dropPages(ctx);
     m_isWalked = false;
     m_pageCount = 0;
     if (m_root)
@@ -204,23 +221,24 @@ bool PageTree::expand(fz_context* ctx, Node& node)
 {
     pdf_obj* kids = pdf_dict_get(ctx, node.object, PDF_NAME(Kids));
     const int kidCount = pdf_array_len(ctx, kids);
-    node.isExpanded = true;
+    // What is left of an attempt that failed.
+    node.clearKids(ctx);
     node.isFlat = kidCount == node.pageCount;
-    if (node.isFlat)
-        return true;
     int pagesBefore = 0;
-    for (int i = 0; i < kidCount; ++i) {
+    for (int i = 0; i < kidCount && !node.isFlat; ++i) {
         pdf_obj* kid = pdf_array_get(ctx, kids, i);
         const bool isLeaf = !isTreeNode(ctx, kid);
         const int pageCount = isLeaf ? 1 : claimedCount(ctx, kid);
         if (pageCount > node.pageCount - pagesBefore)
             return false;
-        if (pageCount > 0)
-            node.kids.push_back(
-                {pdf_keep_obj(ctx, kid), node.firstPage + pagesBefore, pageCount, isLeaf, false, false, {}});
+        if (pageCount > 0) {
+            node.kids.push_back({kid, node.firstPage + pagesBefore, pageCount, isLeaf, false, false, {}});
+            pdf_keep_obj(ctx, kid);
+        }
         pagesBefore += pageCount;
     }
-    return pagesBefore == node.pageCount;
+    node.isExpanded = node.isFlat || pagesBefore == node.pageCount;
+    return node.isExpanded;
 }
 
 pdf_obj* PageTree::descend(fz_context* ctx, int index, bool* contradiction)
@@ -247,7 +265,6 @@ pdf_obj* PageTree::descend(fz_context* ctx, int index, bool* contradiction)
 
 void PageTree::walk(fz_context* ctx)
 {
-    m_isWalked = true;
     pdf_mark_bits* seen = pdf_new_mark_bits(ctx, m_document);
     fz_try(ctx)
     {
@@ -259,8 +276,11 @@ void PageTree::walk(fz_context* ctx)
     }
     fz_catch(ctx)
     {
+        // A part would pass for all there is.
+        dropPages(ctx);
         fz_rethrow(ctx);
     }
+    m_isWalked = true;
 }
 
 void PageTree::walkNode(fz_context* ctx, pdf_obj* node, int depth, pdf_mark_bits* seen)
@@ -269,7 +289,7 @@ void PageTree::walkNode(fz_context* ctx, pdf_obj* node, int depth, pdf_mark_bits
         return;
     if (!isTreeNode(ctx, node)) {
         if (pdf_is_dict(ctx, node))
-            m_pages.push_back(pdf_keep_obj(ctx, node));
+            addPage(ctx, node);
         return;
     }
     if (pdf_is_indirect(ctx, node) && pdf_mark_bits_set(ctx, seen, node))

@@ -44,6 +44,8 @@ public:
 private:
     struct Node;
 
+    void addPage(fz_context* ctx, pdf_obj* page);
+    void dropPages(fz_context* ctx);
     bool expand(fz_context* ctx, Node& node);
     pdf_obj* descend(fz_context* ctx, int index, bool* contradiction);
     void collectStrays(fz_context* ctx);

@@ -28,13 +28,6 @@ QByteArray reference(int number)
     return QByteArray::number(number) + " 0 R";
 }
 
-QByteArray bytesOf(fz_context* ctx, fz_buffer* buffer)
-{
-    unsigned char* data = nullptr;
-    const std::size_t size = fz_buffer_storage(ctx, buffer, &data);
-    return {reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)};
-}
-
 /// The text of an object whose references lead to copies. May throw as MuPDF does; the caller drops it.
 fz_buffer* printed(fz_context* ctx, ObjectCopier& copier, pdf_obj* object)
 {
@@ -187,15 +180,14 @@ std::optional<PDFError> PrintComposer::readDocument()
         m_onlyPictures = !(permissions & PDF_PERM_PRINT_HQ);
     }
     for (const char* key : catalogEntries) {
-        fz_buffer* text = nullptr;
+        QByteArray text;
         const auto error = engine::attempt(scope, [&](fz_context* ctx) {
             pdf_obj* root = pdf_dict_get(ctx, pdf_trailer(ctx, m_handle.document), PDF_NAME(Root));
             if (pdf_obj* value = pdf_dict_gets(ctx, root, key))
-                text = printed(ctx, m_copier, value);
+                engine::takeBytes(ctx, printed(ctx, m_copier, value), text);
         });
-        if (!error && text)
-            m_catalog += '/' + QByteArray(key) + ' ' + bytesOf(engine::context(), text) + ' ';
-        fz_drop_buffer(engine::context(), text);
+        if (!error && !text.isEmpty())
+            m_catalog += '/' + QByteArray(key) + ' ' + text + ' ';
     }
     // The pages are made for the paper as they are.
     m_catalog += "/ViewerPreferences << /PrintScaling /None >>";
@@ -308,10 +300,10 @@ void PrintComposer::writeContent(fz_context* ctx, pdf_obj* page, const char* box
         }
         fz_append_string(ctx, text, ">>\nstream\n");
 
-        // From here on nothing throws, so the form is written whole or not at all.
+        // From where the form has begun nothing throws, so it is written whole or not at all.
         unsigned char* head = nullptr;
         const std::size_t headSize = fz_buffer_storage(ctx, text, &head);
-        m_file.beginObject(form);
+        engine::translated(ctx, [&] { m_file.beginObject(form); });
         m_file.append(reinterpret_cast<const char*>(head), headSize);
         m_file.append(reinterpret_cast<const char*>(data), size);
         m_file.append("\nendstream", 10);
@@ -361,7 +353,7 @@ void PrintComposer::addAppearance(fz_context* ctx, pdf_annot* annotation)
         if (pdf_is_indirect(ctx, form) && pdf_is_stream(ctx, form)) {
             const fz_matrix matrix = pdf_annot_transform(ctx, annotation);
             const int copy = m_copier.copyOf(ctx, form, true);
-            engine::guarded(ctx, [&] { m_appearances.push_back({copy, matrix}); });
+            engine::translated(ctx, [&] { m_appearances.push_back({copy, matrix}); });
         }
         m_copier.writePending(ctx);
     }
@@ -387,17 +379,13 @@ QByteArray PrintComposer::groupOf(PageHandle& page)
 {
     const std::lock_guard lock(m_handle.mutex);
     CookieScope scope(m_cancellation, limits::printedPage);
-    fz_buffer* text = nullptr;
+    QByteArray text;
     const auto error = engine::attempt(scope, [&](fz_context* ctx) {
         if (pdf_obj* group = pdf_dict_get(ctx, page.object, PDF_NAME(Group)))
-            text = printed(ctx, m_copier, group);
+            engine::takeBytes(ctx, printed(ctx, m_copier, group), text);
         m_copier.writePending(ctx);
     });
-    QByteArray result;
-    if (!error && text)
-        result = "/Group " + bytesOf(engine::context(), text) + ' ';
-    fz_drop_buffer(engine::context(), text);
-    return result;
+    return error || text.isEmpty() ? QByteArray() : "/Group " + text + ' ';
 }
 
 Result<PrintOutcome> writePrint(

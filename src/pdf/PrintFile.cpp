@@ -3,6 +3,8 @@
 
 #include "pdf/ContentStream.h"
 
+#include <string_view>
+
 namespace pdf {
 namespace {
 
@@ -31,13 +33,15 @@ int PrintFile::newObject()
 
 void PrintFile::beginObject(int number)
 {
+    const QByteArray head = QByteArray::number(number) + " 0 obj\n";
     m_offsets[static_cast<std::size_t>(number)] = m_file.position();
-    append(QByteArray::number(number) + " 0 obj\n");
+    append(head);
 }
 
 void PrintFile::endObject()
 {
-    append("\nendobj\n");
+    static constexpr std::string_view end = "\nendobj\n";
+    append(end.data(), end.size());
 }
 
 void PrintFile::addObject(int number, const QByteArray& object)

@@ -21,9 +21,9 @@ public:
     /// A number for an object that is written later or never.
     int newObject();
 
-    // None of these throws.
-
+    /// Writes nothing where it throws.
     void beginObject(int number);
+    // These never throw.
     void append(const char* data, std::size_t size) { m_file.write(data, size); }
     void append(const QByteArray& data) { append(data.constData(), static_cast<std::size_t>(data.size())); }
     void endObject();

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdf/MuPDFVersion.h"
+
 #include <mupdf/pdf.h>
 
 #include <utility>

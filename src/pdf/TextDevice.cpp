@@ -3,6 +3,7 @@
 
 #include "pdf/Engine.h"
 #include "pdf/Limits.h"
+#include "pdf/MuPDFVersion.h"
 
 #include <algorithm>
 #include <array>
@@ -124,8 +125,7 @@ void addSpan(fz_context* ctx, TextDevice* device, const fz_text_span* span, fz_m
     const GlyphRun run = runOf(ctx, span, ctm);
     if (!std::isnormal(run.size))
         return;
-    if (!device->collector->begin(run))
-        refuseText(ctx);
+    device->collector->begin(run);
     const fz_matrix trm = fz_concat(span->trm, ctm);
     const fz_point step = fz_transform_vector(run.isVertical ? fz_point{0, -1} : fz_point{1, 0}, trm);
     const float unit = std::hypot(step.x, step.y);
@@ -157,8 +157,10 @@ void addText(fz_context* ctx, fz_device* base, const fz_text* text, fz_matrix ct
     auto* device = reinterpret_cast<TextDevice*>(base);
     if (device->maskDepth > 0)
         return;
-    for (const fz_text_span* span = text->head; span; span = span->next)
-        addSpan(ctx, device, span, ctm);
+    engine::translated(ctx, [&] {
+        for (const fz_text_span* span = text->head; span; span = span->next)
+            addSpan(ctx, device, span, ctm);
+    });
 }
 
 void fillText(

@@ -129,11 +129,7 @@ std::optional<PDFError> writeToUnicode(
 {
     QByteArray content;
     auto error = engine::attempt(scope, [&](fz_context* ctx) {
-        fz_buffer* buffer = pdf_load_stream(ctx, pdf_dict_getp(ctx, owner, path));
-        unsigned char* data = nullptr;
-        const std::size_t size = fz_buffer_storage(ctx, buffer, &data);
-        content = QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
-        fz_drop_buffer(ctx, buffer);
+        engine::takeBytes(ctx, pdf_load_stream(ctx, pdf_dict_getp(ctx, owner, path)), content);
     });
     for (const auto& fontAndMap : characterMaps(textBlocksOf(content), text)) {
         const char* font = fontAndMap.first.constData();
