@@ -69,9 +69,10 @@ AnalyticsEnvironment::AnalyticsEnvironment()
     , bundleValue(BundleInfo::informationValue)
     , operatingSystemVersion(SystemInfo::operatingSystemVersion)
     , deviceModel([] { return SystemInfo::deviceModel(); })
-    , screenResolution(SystemInfo::screenResolution)
+    , screenResolution([] { return SystemInfo::screenResolution(); })
     , availableMemory([] { return SystemInfo::availableMemory(); })
     , printLine(quillo::printLine)
+    , compress(deflated)
     , serverEndpoint(WebAddresses::collectionEndpoint())
     , requestTimeout(usualRequestTimeout)
 {}
@@ -180,7 +181,8 @@ void AnalyticsService::sendBatch(bool sync)
         return;
     }
     const AnalyticsRequest request{
-        url, requestHeaders, deflated(text).value_or(QByteArray()), m_environment.requestTimeout};
+        url, requestHeaders, m_environment.compress(text).value_or(QByteArray()),
+        m_environment.requestTimeout};
     m_transport.post(
         request, [events, queue = std::weak_ptr(m_queue), printLine = m_environment.printLine](
                      const AnalyticsResponse& response) { complete(response, events, queue, printLine); });

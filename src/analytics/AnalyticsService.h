@@ -4,6 +4,7 @@
 #include "analytics/EventQueue.h"
 #include "analytics/EventType.h"
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QObject>
 #include <QString>
@@ -33,6 +34,8 @@ struct AnalyticsEnvironment
     std::function<QString()> screenResolution;
     std::function<qint64()> availableMemory;
     std::function<void(const QString& line)> printLine;
+    /// Absent when it fails.
+    std::function<std::optional<QByteArray>(const QByteArray& bytes)> compress;
     QString serverEndpoint;
     std::chrono::milliseconds requestTimeout;
 };

@@ -3,6 +3,7 @@
 
 #include "analytics/AnalyticsService.h"
 #include "app/InAppToolbar.h"
+#include "controls/MenuKeys.h"
 #include "controls/Separator.h"
 #include "document/DocumentState.h"
 #include "document/PDFTextExtractor.h"
@@ -44,6 +45,7 @@ ContentView::ContentView(AnalyticsService& analyticsService, QWidget* parent)
 {
     setWindowTitle(tr("Quillo"));
     setAcceptDrops(true);
+    new MenuKeys(this);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);

@@ -35,8 +35,8 @@ void InAppToolbar::makeContent()
 
     row->addWidget(new BrandMark);
     row->addSpacing(12);
-    row->addWidget(new MenuButton(tr("File"), makeFileMenu()));
-    row->addWidget(new MenuButton(tr("View"), makeViewMenu()));
+    row->addWidget(new MenuButton(tr("&File"), makeFileMenu()));
+    row->addWidget(new MenuButton(tr("&View"), makeViewMenu()));
     row->addSpacing(8);
     row->addStretch(1);
     m_chip = new DocumentChip;

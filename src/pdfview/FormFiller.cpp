@@ -4,6 +4,7 @@
 #include "pdfview/FocusRing.h"
 #include "pdfview/FormNotice.h"
 #include "pdfview/PDFView.h"
+#include "pdfview/TabStops.h"
 #include "pdfview/TextMarker.h"
 
 #include <QApplication>
@@ -343,20 +344,7 @@ void FormFiller::walk(bool forward)
     const FormPage* page = knownPage(from.page);
     if (!page)
         return close(true);
-    const auto isFrom = [&](const PDFFormField& field) { return field.widget == from; };
-    const auto isFillable = [](const PDFFormField& field) { return field.isFillable(); };
-    const PDFFormField* next = nullptr;
-    if (forward) {
-        auto place = std::find_if(page->fields.begin(), page->fields.end(), isFrom);
-        if (place != page->fields.end())
-            place = std::find_if(place + 1, page->fields.end(), isFillable);
-        next = place == page->fields.end() ? nullptr : &*place;
-    } else {
-        auto place = std::find_if(page->fields.rbegin(), page->fields.rend(), isFrom);
-        if (place != page->fields.rend())
-            place = std::find_if(place + 1, page->fields.rend(), isFillable);
-        next = place == page->fields.rend() ? nullptr : &*place;
-    }
+    const PDFFormField* next = tabStopAfter(page->fields, from, forward);
     if (next)
         return openFromKeyboard(*next);
     close(true);
@@ -395,10 +383,8 @@ void FormFiller::takeFoundPage(const std::optional<FormPage>& page, bool forward
     // A copy, since the page may be the one in the map that is about to change.
     const std::vector<PDFFormField> fields = page->fields;
     m_pages[page->page] = *page;
-    const auto isFillable = [](const PDFFormField& field) { return field.isFillable(); };
-    const auto first = std::find_if(fields.begin(), fields.end(), isFillable);
-    const auto last = std::find_if(fields.rbegin(), fields.rend(), isFillable);
-    openFromKeyboard(forward ? *first : *last);
+    if (const PDFFormField* stop = firstTabStop(fields, forward))
+        openFromKeyboard(*stop);
 }
 
 void FormFiller::step(bool forward)

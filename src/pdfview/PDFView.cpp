@@ -3,6 +3,7 @@
 
 #include "pdf/PDFDocument.h"
 #include "pdfview/AccessiblePDFView.h"
+#include "pdfview/FocusRing.h"
 #include "pdfview/FormFiller.h"
 #include "pdfview/HighlightedSelections.h"
 #include "pdfview/KeyboardSelector.h"
@@ -41,6 +42,10 @@ constexpr double highestScale = 64.0;
 // directions, and what was visible at the scale before.
 constexpr qsizetype cachedViews = 8;
 constexpr qsizetype smallestCache = 24 * 1024 * 1024;
+
+// View points between the edge of the view and the ring that shows its focus, which is on the outside of
+// that.
+constexpr double focusRoom = 2.0;
 
 // Where a size cannot be told the page takes the room of a sheet of letter paper.
 constexpr QSizeF assumedPageSize(612, 792);
@@ -423,8 +428,17 @@ void PDFView::paintEvent(QPaintEvent* event)
     m_forms->paint(painter);
     m_links->paint(painter);
     m_emphasis->paint(painter);
+    paintFocus(painter);
     if (m_viewport.layout().hasSizes() && !pages.isAnythingMissing())
         announceFirstPages();
+}
+
+void PDFView::paintFocus(QPainter& painter) const
+{
+    if (m_showsFocus && hasFocus() && !m_links->hasKeyboard())
+        paintFocusRing(
+            painter, QRectF(viewport()->rect()).adjusted(focusRoom, focusRoom, -focusRoom, -focusRoom),
+            palette().color(QPalette::Highlight));
 }
 
 void PDFView::announceFirstPages()

@@ -209,12 +209,14 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     bool viewportEvent(QEvent* event) override;
 
 private:
     void paintText(QPainter& painter, const QRectF& exposed);
+    void paintFocus(QPainter& painter) const;
     void takeResults();
     void take(const TileRenderer::PageSized& result);
     void take(const TileRenderer::TileDrawn& result);
@@ -256,6 +258,8 @@ private:
     qint64 m_barUnit = 1;
     bool m_isMovingBars = false;
     bool m_hasShownPages = true;
+    /// The keyboard came here by a key, so the user needs to see where it is.
+    bool m_showsFocus = false;
     ScrollAnimation* m_scrolling;
     /// Called by the renderer.
     const std::unique_ptr<Waker> m_waker;

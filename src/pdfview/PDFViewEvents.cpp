@@ -28,6 +28,10 @@ void PDFView::keyPressEvent(QKeyEvent* event)
 
 void PDFView::mousePressEvent(QMouseEvent* event)
 {
+    if (m_showsFocus) {
+        m_showsFocus = false;
+        viewport()->update();
+    }
     if (m_forms->mousePress(*event))
         return;
     // Where a link is, text may be selected as well; only the release tells which was meant.
@@ -54,9 +58,30 @@ void PDFView::mouseReleaseEvent(QMouseEvent* event)
     event->setAccepted(m_links->mouseRelease(*event) || isText);
 }
 
+void PDFView::focusInEvent(QFocusEvent* event)
+{
+    switch (event->reason()) {
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
+        m_showsFocus = true;
+        break;
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+    case Qt::MenuBarFocusReason:
+        // The keyboard returns after an absence.
+        break;
+    default:
+        m_showsFocus = false;
+    }
+    viewport()->update();
+    QAbstractScrollArea::focusInEvent(event);
+}
+
 void PDFView::focusOutEvent(QFocusEvent* event)
 {
     m_links->dropKeyboard();
+    viewport()->update();
     QAbstractScrollArea::focusOutEvent(event);
 }
 

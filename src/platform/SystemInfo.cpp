@@ -43,7 +43,11 @@ QString deviceModel(const Sources& sources)
 QString screenResolution()
 {
     // Asking for screens is only allowed where there is an application.
-    const QScreen* screen = qGuiApp == nullptr ? nullptr : QGuiApplication::primaryScreen();
+    return screenResolution(qGuiApp == nullptr ? nullptr : QGuiApplication::primaryScreen());
+}
+
+QString screenResolution(const QScreen* screen)
+{
     if (screen == nullptr)
         return QStringLiteral("unknown");
     const QSize size = screen->size();

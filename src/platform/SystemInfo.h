@@ -3,6 +3,8 @@
 
 #include <QString>
 
+class QScreen;
+
 /// What the machine and its system say of themselves. Main thread only.
 namespace quillo::SystemInfo {
 
@@ -22,6 +24,7 @@ QString deviceModel(const Sources& sources = {});
 
 /// Width and height of the main screen in device-independent pixels ("1512x982"), or "unknown" without one.
 QString screenResolution();
+QString screenResolution(const QScreen* screen);
 
 /// The kernel's free pages in bytes, or 0 when it does not tell.
 qint64 availableMemory(const Sources& sources = {});

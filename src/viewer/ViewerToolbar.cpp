@@ -56,7 +56,7 @@ void ViewerToolbar::makeContent()
     addButton(Symbol::plusMagnifyingglass, tr("Zoom in"), &ViewerToolbar::zoomInRequested);
     addButton(Symbol::arrowsOutward, tr("Zoom to fit"), &ViewerToolbar::zoomToFitRequested);
     row->addStretch();
-    row->addWidget(new MenuButton(tr("Document"), makeDocumentMenu()));
+    row->addWidget(new MenuButton(tr("&Document"), makeDocumentMenu()));
     followPage();
     followZoomLevel();
 }

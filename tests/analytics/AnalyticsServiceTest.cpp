@@ -283,6 +283,28 @@ TEST_F(AnalyticsServiceTest, UploadsThreeHundredSecondsAfterEachEvent)
     EXPECT_EQ(m_timers.waiting(), 0U);
 }
 
+TEST_F(AnalyticsServiceTest, TheEventThatFillsTheQueueHasADelayedSendOfItsOwn)
+{
+    const auto service = makeService();
+    track(*service, 10);
+    EXPECT_EQ(m_timers.waiting(), 10U);
+    m_transport.failLast(QStringLiteral("refused"));
+    pass(300s);
+    ASSERT_EQ(m_transport.requests.size(), 2U);
+    EXPECT_EQ(numbers(sentBatch(1).events), range(1, 10));
+}
+
+TEST_F(AnalyticsServiceTest, SendsAnEmptyBodyWhenTheBatchCannotBeCompressed)
+{
+    AnalyticsEnvironment withoutCompression = environment();
+    withoutCompression.compress = [](const QByteArray&) { return std::nullopt; };
+    const auto service = makeService(withoutCompression);
+    track(*service, 10);
+    ASSERT_EQ(m_transport.requests.size(), 1U) << "the request goes out anyway";
+    EXPECT_TRUE(m_transport.requests[0].body.isEmpty());
+    EXPECT_EQ(m_transport.requests[0].headers.at(1).second, "gzip");
+}
+
 TEST_F(AnalyticsServiceTest, BeatsEveryThreeHundredSeconds)
 {
     const auto service = makeService();
@@ -453,6 +475,7 @@ TEST_F(AnalyticsServiceTest, FlushesAtOnceWhenTheEndOfTheSessionIsTheTenthEvent)
     EXPECT_EQ(last.metadata.value(QStringLiteral("totalSessionDuration")).toDouble(), 2.0);
     pass(299s);
     EXPECT_EQ(service->eventQueue().size(), 0U) << "the heart has stopped";
+    EXPECT_EQ(m_transport.requests.size(), 1U) << "and nothing of it was sent";
 }
 
 } // namespace

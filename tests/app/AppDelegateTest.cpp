@@ -84,5 +84,16 @@ TEST_F(AppDelegateTest, StartsAnalyticsWithTheApplication)
     EXPECT_EQ(m_analytics.types(), QStringList{QStringLiteral("appLaunch")});
 }
 
+TEST_F(AppDelegateTest, EndsAnalyticsWithTheApplication)
+{
+    m_delegate.applicationDidFinishLaunching();
+    for (int i = 0; i < 8; ++i)
+        m_analytics.service().trackEvent(EventType::zoom);
+    // The end of the session is the tenth event, so it is sent at once and there is nothing to wait for.
+    m_delegate.applicationWillTerminate();
+    EXPECT_TRUE(m_analytics.types().isEmpty());
+    EXPECT_EQ(m_analytics.sendEverything().size(), 1U);
+}
+
 } // namespace
 } // namespace quillo

@@ -180,6 +180,17 @@ TEST_F(ContentViewTest, RecordsTheCourseOfADocument)
         m_analytics.latest(EventType::textExtractionComplete, QStringLiteral("hasText")), QVariant(true));
 }
 
+TEST_F(ContentViewTest, RecordsALaunchForEachWindowThatAppears)
+{
+    show();
+    ContentView second(m_analytics.service());
+    EXPECT_EQ(m_analytics.types(), QStringList{QStringLiteral("appLaunch")});
+    second.show();
+    EXPECT_EQ(m_analytics.types(), QStringList(2, QStringLiteral("appLaunch")));
+    EXPECT_EQ(m_analytics.latest(EventType::appLaunch, QStringLiteral("firstLaunch")), QVariant())
+        << "nothing but the environment";
+}
+
 TEST_F(ContentViewTest, ClosesTheDocumentAndOnlyClearsWhatBelongsToIt)
 {
     show();

@@ -15,7 +15,6 @@
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 
 namespace quillo {
 namespace {
@@ -132,14 +131,12 @@ TEST(MenuButtonTest, OpensItsMenuBelowItself)
     button.move(100, 100);
     button.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&button));
-    // The menu runs its own loop, so what is to happen meanwhile is queued before.
-    QPoint place;
-    QTimer::singleShot(0, menu, [&] {
-        place = menu->pos();
-        QTest::keyClick(menu, Qt::Key_Down);
-        QTest::keyClick(menu, Qt::Key_Return);
-    });
-    QTest::mouseClick(&button, Qt::LeftButton);
+    QTest::mousePress(&button, Qt::LeftButton);
+    ASSERT_TRUE(menu->isVisible());
+    EXPECT_TRUE(button.isDown());
+    const QPoint place = menu->pos();
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
     EXPECT_EQ(chosen.count(), 1);
     EXPECT_EQ(place, button.mapToGlobal(QPoint(0, button.height())));
     EXPECT_FALSE(button.isDown());

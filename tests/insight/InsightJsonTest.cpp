@@ -79,6 +79,26 @@ TEST(DocumentInsightTest, NamesEveryCaseAndFindsItAgain)
         EXPECT_EQ(itemTypeFromRawValue(rawValue(type)), type);
 }
 
+TEST(DocumentInsightTest, HasTheseRawValues)
+{
+    using ItemType = ExtractedItem::ItemType;
+    EXPECT_EQ(rawValue(DocumentType::bill), QStringLiteral("Bill / Invoice"));
+    EXPECT_EQ(rawValue(DocumentType::letter), QStringLiteral("Letter"));
+    EXPECT_EQ(rawValue(DocumentType::form), QStringLiteral("Form"));
+    EXPECT_EQ(rawValue(DocumentType::manual), QStringLiteral("Manual / Guide"));
+    EXPECT_EQ(rawValue(DocumentType::unknown), QStringLiteral("Unknown"));
+    EXPECT_EQ(rawValue(ReasonType::dueDate), QStringLiteral("Due Date"));
+    EXPECT_EQ(rawValue(ReasonType::payment), QStringLiteral("Payment Required"));
+    EXPECT_EQ(rawValue(ReasonType::signature), QStringLiteral("Signature Required"));
+    EXPECT_EQ(rawValue(ReasonType::submission), QStringLiteral("Submission Required"));
+    EXPECT_EQ(rawValue(ItemType::date), QStringLiteral("date"));
+    EXPECT_EQ(rawValue(ItemType::amount), QStringLiteral("amount"));
+    EXPECT_EQ(rawValue(ItemType::reference), QStringLiteral("reference"));
+    EXPECT_EQ(rawValue(ItemType::email), QStringLiteral("email"));
+    EXPECT_EQ(rawValue(ItemType::phone), QStringLiteral("phone"));
+    EXPECT_EQ(rawValue(ItemType::address), QStringLiteral("address"));
+}
+
 TEST(ExtractedItemTest, HasAnIdentityOfItsOwn)
 {
     EXPECT_NE(ExtractedItem().id, ExtractedItem().id);
@@ -111,6 +131,30 @@ TEST(InsightJsonTest, WritesTheKeysInTheOrderOfTheMembers)
         (QStringList{
             QStringLiteral("documentType"), QStringLiteral("confidence"), QStringLiteral("evidence"),
             QStringLiteral("actionRequired"), QStringLiteral("extractedItems"), QStringLiteral("summary")}));
+}
+
+TEST(InsightJsonTest, WritesThisTextAndReadsIt)
+{
+    const char* text =
+        R"json({"documentType":"Bill / Invoice","confidence":0.25,"evidence":["Found 'invoice'"],)json"
+        R"json("actionRequired":{"required":true,"reasons":[{"type":"Due Date",)json"
+        R"json("description":"Due date found: Jan 15, 2024","pageNumber":2,"dueDate":726969600.0}]},)json"
+        R"json("extractedItems":[{"id":"6F9619FF-8B86-D011-B42D-00CF4FC964FF","type":"amount",)json"
+        R"json("value":"$1,234.50","confidence":0.95,"pageNumber":1,)json"
+        R"json("sourceSnippet":"...pay $1,234.50 now...",)json"
+        R"json("boundingBox":[[10.5,20.0],[30.0,12.0]]}],"summary":"A bill."})json";
+    DocumentInsight insight = sampleInsight();
+    insight.extractedItems[0].id = QUuid(QStringLiteral("6f9619ff-8b86-d011-b42d-00cf4fc964ff"));
+    EXPECT_EQ(toJson(insight), parseJson(text)) << toJsonText(toJson(insight)).toStdString();
+
+    const DocumentInsight readBack = documentInsightFromJson(parseJson(text));
+    EXPECT_EQ(readBack.summary, QStringLiteral("A bill."));
+    EXPECT_EQ(
+        readBack.actionRequired.reasons.at(0).description, QStringLiteral("Due date found: Jan 15, 2024"));
+    EXPECT_EQ(readBack.actionRequired.reasons.at(0).pageNumber, 2);
+    EXPECT_EQ(readBack.extractedItems.at(0).sourceSnippet, QStringLiteral("...pay $1,234.50 now..."));
+    EXPECT_EQ(readBack.extractedItems.at(0).value, QStringLiteral("$1,234.50"));
+    EXPECT_EQ(readBack.extractedItems.at(0).boundingBox, QRectF(10.5, 20, 30, 12));
 }
 
 TEST(InsightJsonTest, ReadsBackWhatItWrote)

@@ -310,6 +310,53 @@ TEST_F(FormFillerTest, RadioButtonsAreChosenByClickAndArrow)
     EXPECT_EQ(chosen(), 0) << "one stays chosen";
 }
 
+TEST_F(FormFillerTest, AGroupOfRadioButtonsIsOneStopOfTheTabKeyOnTheChosenOne)
+{
+    m_file.add("/FT/Tx/T(before)/Rect[50 300 250 320]");
+    m_file.addWithWidgets(
+        "/FT/Btn/Ff 49152/T(radio)/TU(radio)/V/B",
+        {"/AS/Off/AP<</D<</A null>>>>/Rect[50 100 70 120]", "/AS/B/AP<</D<</B null>>>>/Rect[100 100 120 120]",
+         "/AS/Off/AP<</D<</C null>>>>/Rect[150 100 170 120]"});
+    m_file.addWithWidgets(
+        "/FT/Btn/Ff 49152/T(unchosen)/TU(unchosen)", {"/AS/Off/AP<</D<</A null>>>>/Rect[50 150 70 170]",
+                                                      "/AS/Off/AP<</D<</B null>>>>/Rect[100 150 120 170]"});
+    m_file.add("/FT/Tx/T(after)/Rect[50 200 250 220]");
+    showForm();
+    m_view->setFocus();
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        const QWidget* before = QApplication::focusWidget();
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+        return QTest::qWaitFor([&] {
+            return QApplication::focusWidget() != before && QApplication::focusWidget() != m_view.get();
+        });
+    };
+    const auto stop = [&] {
+        const QRect place = QApplication::focusWidget()->geometry();
+        return QApplication::focusWidget()->accessibleName() + u' ' +
+               QString::number(qRound((place.left() - m_view->pageRect(0).left()) / m_view->scaleFactor()));
+    };
+    QStringList stops;
+    for (int i = 0; i < 4; ++i) {
+        ASSERT_TRUE(press(Qt::Key_Tab));
+        stops.append(stop());
+    }
+    EXPECT_THAT(stops.mid(1, 2), ElementsAre(QStringLiteral("radio 100"), QStringLiteral("unchosen 50")))
+        << "the second button is on; of the other group none is";
+    EXPECT_EQ(QApplication::focusWidget()->accessibleName(), QStringLiteral("after"));
+    ASSERT_TRUE(press(Qt::Key_Backtab, Qt::ShiftModifier));
+    EXPECT_EQ(stop(), QStringLiteral("unchosen 50"));
+    ASSERT_TRUE(press(Qt::Key_Backtab, Qt::ShiftModifier));
+    EXPECT_EQ(stop(), QStringLiteral("radio 100"));
+
+    ASSERT_TRUE(press(Qt::Key_Right));
+    EXPECT_EQ(stop(), QStringLiteral("radio 150"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return fields(0)[3].isOn; })) << "the arrow has chosen it";
+    ASSERT_TRUE(press(Qt::Key_Tab));
+    EXPECT_EQ(stop(), QStringLiteral("unchosen 50")) << "the rest of the group is passed by";
+    ASSERT_TRUE(press(Qt::Key_Backtab, Qt::ShiftModifier));
+    EXPECT_EQ(stop(), QStringLiteral("radio 150")) << "the stop goes with the choice";
+}
+
 TEST_F(FormFillerTest, AComboBoxOffersItsOptions)
 {
     m_file.add("/FT/Ch/Ff 131072/T(size)/Opt[[(s)(Small)][(l)(Large)]]/V(s)");

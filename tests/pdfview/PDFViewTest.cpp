@@ -42,6 +42,30 @@ TEST_F(PDFViewTest, PaintsTheSurroundingsInThePalettesWindowColour)
     EXPECT_TRUE(becomes({3, 3}, QColor(1, 2, 3)));
 }
 
+TEST_F(PDFViewTest, ShowsThatTheKeyboardHasComeByTheTabKey)
+{
+    show(colouredDocument(1));
+    const QColor ring = m_view->palette().color(QPalette::Highlight);
+    const auto edge = [&] { return colorAt(QPointF(1, m_view->viewport()->height() / 2.0)); };
+    m_view->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(m_view.get()));
+    m_view->setFocus(Qt::MouseFocusReason);
+    EXPECT_NE(edge(), ring) << "whoever clicks knows where";
+    m_view->clearFocus();
+    m_view->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(edge(), ring);
+    EXPECT_EQ(colorAt(QPointF(m_view->viewport()->width() / 2.0, m_view->viewport()->height() - 1.0)), ring);
+    m_view->clearFocus();
+    EXPECT_NE(edge(), ring);
+    m_view->setFocus(Qt::ActiveWindowFocusReason);
+    EXPECT_EQ(edge(), ring) << "the keyboard returns after an absence";
+    QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, QPoint(200, 200));
+    EXPECT_NE(edge(), ring);
+    m_view->clearFocus();
+    m_view->setFocus(Qt::BacktabFocusReason);
+    EXPECT_EQ(edge(), ring);
+}
+
 TEST_F(PDFViewTest, TellsOnceThatTheFirstPagesAreShown)
 {
     m_view = std::make_unique<PDFView>();

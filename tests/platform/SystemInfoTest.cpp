@@ -82,5 +82,10 @@ TEST_F(SystemInfoTest, MeasuresTheMainScreenInItsOwnPixels)
     EXPECT_EQ(SystemInfo::screenResolution(), QStringLiteral("%1x%2").arg(size.width()).arg(size.height()));
 }
 
+TEST_F(SystemInfoTest, KnowsNoSizeOfAnAbsentScreen)
+{
+    EXPECT_EQ(SystemInfo::screenResolution(nullptr), QStringLiteral("unknown"));
+}
+
 } // namespace
 } // namespace quillo

@@ -164,14 +164,6 @@ TEST(DocumentClassificationTest, HasItsSentenceForEachType)
         QStringLiteral("Could not determine the document type with confidence."));
 }
 
-TEST(DocumentClassificationTest, HasTablesOfTheirFullLength)
-{
-    std::vector<std::size_t> sizes;
-    for (const DocumentTypeKeywords& table : documentTypeKeywords())
-        sizes.push_back(table.keywords.size());
-    EXPECT_THAT(sizes, ElementsAre(14, 12, 12, 15));
-}
-
 // The classification in so many words, one search and one split per keyword over a lower-cased copy.
 DocumentInsight classifyLiterally(const QString& text)
 {
