@@ -46,10 +46,8 @@ AnnotationStore::AnnotationStore(DocumentHandle& document)
     : m_document(document)
 {}
 
-void AnnotationStore::clear(fz_context* ctx)
+void AnnotationStore::clear()
 {
-    for (const Entry& entry : m_entries)
-        pdf_drop_obj(ctx, entry.object);
     m_entries.clear();
 }
 
@@ -68,14 +66,9 @@ AnnotationStore::Entry* AnnotationStore::find(const PDFAnnotation& annotation)
     return entry == m_entries.end() ? nullptr : &*entry;
 }
 
-void AnnotationStore::forgetReleased(fz_context* ctx)
+void AnnotationStore::forgetReleased()
 {
-    std::erase_if(m_entries, [ctx](const Entry& entry) {
-        if (!entry.annotation.expired())
-            return false;
-        pdf_drop_obj(ctx, entry.object);
-        return true;
-    });
+    std::erase_if(m_entries, [](const Entry& entry) { return entry.annotation.expired(); });
 }
 
 pdf_obj* AnnotationStore::pageObject(fz_context* ctx, int pageIndex)
@@ -95,7 +88,10 @@ std::optional<PDFError> AnnotationStore::flush(CookieScope& scope)
     }
     std::optional<PDFError> firstError;
     for (auto& annotation : pending) {
-        auto error = flush(*annotation, scope);
+        // An operation that was stopped changes nothing any more.
+        auto error = scope.interruption();
+        if (!error)
+            error = flush(*annotation, scope);
         if (!error)
             continue;
         enqueue(std::move(annotation));
@@ -142,14 +138,17 @@ void AnnotationStore::giveBack(PDFAnnotation& annotation, const PDFAnnotation::C
 
 std::optional<PDFError> AnnotationStore::remove(Entry& entry, CookieScope& scope)
 {
+    bool isDone = false;
     auto error = engine::attempt(scope, [&](fz_context* ctx) {
         pdf_obj* page = pageObject(ctx, entry.pageIndex);
-        annotations::remove(ctx, m_document.document, page, entry.object, entry.appearance);
-        pdf_drop_obj(ctx, entry.object);
+        annotations::remove(ctx, m_document.document, page, entry.object.get(), entry.appearance);
+        isDone = true;
     });
-    if (!error)
-        m_entries.erase(m_entries.begin() + (&entry - m_entries.data()));
-    return error;
+    // An operation that is stopped at its end has an error and is done all the same.
+    if (!isDone)
+        return error;
+    m_entries.erase(m_entries.begin() + (&entry - m_entries.data()));
+    return std::nullopt;
 }
 
 std::optional<PDFError> AnnotationStore::writeFound(const State& state, Entry* entry, CookieScope& scope)
@@ -160,9 +159,9 @@ std::optional<PDFError> AnnotationStore::writeFound(const State& state, Entry* e
     const QByteArray contents = state.properties.contents.toUtf8();
     return engine::attempt(scope, [&](fz_context* ctx) {
         if (state.changes.bounds)
-            annotations::writeBounds(ctx, entry->object, state.properties.bounds);
+            annotations::writeBounds(ctx, entry->object.get(), state.properties.bounds);
         if (state.changes.look)
-            annotations::writeContents(ctx, entry->object, contents);
+            annotations::writeContents(ctx, entry->object.get(), contents);
     });
 }
 
@@ -172,7 +171,7 @@ AnnotationStore::writeOwn(PDFAnnotation& annotation, State& state, Entry* entry,
     const QSizeF size = state.properties.bounds.size();
     if (entry && !state.changes.look && !state.changes.value && size == entry->drawnSize)
         return engine::attempt(scope, [&](fz_context* ctx) {
-            annotations::writeBounds(ctx, entry->object, state.properties.bounds);
+            annotations::writeBounds(ctx, entry->object.get(), state.properties.bounds);
         });
 
     annotations::Content content = contentOf(annotation, state, entry == nullptr);
@@ -185,17 +184,17 @@ AnnotationStore::writeOwn(PDFAnnotation& annotation, State& state, Entry* entry,
         entry->pageIndex = state.pageIndex;
     }
     auto error = engine::attempt(scope, [&](fz_context* ctx) {
-        if (!entry->object)
-            entry->object =
-                annotations::add(ctx, m_document.document, pageObject(ctx, state.pageIndex), content);
-        annotations::write(ctx, m_document.document, entry->object, content, entry->appearance);
+        if (!entry->object.get())
+            entry->object = ObjectHandle(
+                annotations::add(ctx, m_document.document, pageObject(ctx, state.pageIndex), content));
+        annotations::write(ctx, m_document.document, entry->object.get(), content, entry->appearance);
     });
     if (!error && !content.picture.text.empty())
         error = writeToUnicode(
-            scope, m_document.document, entry->object, annotations::picturePath, content.picture.text);
+            scope, m_document.document, entry->object.get(), annotations::picturePath, content.picture.text);
     if (!error)
         entry->drawnSize = size;
-    else if (!entry->object)
+    else if (!entry->object.get())
         m_entries.pop_back();
     return error;
 }
@@ -230,8 +229,8 @@ AnnotationStore::annotations(CookieScope& scope, int pageIndex, const std::share
     std::vector<std::shared_ptr<PDFAnnotation>> result;
     int count = 0;
     pdf_obj* array = nullptr;
+    forgetReleased();
     auto error = engine::attempt(scope, [&](fz_context* ctx) {
-        forgetReleased(ctx);
         array = pdf_dict_get(ctx, pageObject(ctx, pageIndex), PDF_NAME(Annots));
         count = pdf_array_len(ctx, array);
     });
@@ -265,8 +264,8 @@ AnnotationStore::annotationOf(const Found& found, int pageIndex, const std::shar
     fz_context* ctx = engine::context();
     for (const Entry& entry : m_entries) {
         const bool isSame = pdf_is_indirect(ctx, found.object)
-                                ? pdf_to_num(ctx, entry.object) == pdf_to_num(ctx, found.object)
-                                : entry.object == found.object;
+                                ? pdf_to_num(ctx, entry.object.get()) == pdf_to_num(ctx, found.object)
+                                : entry.object.get() == found.object;
         if (!isSame || entry.pageIndex != pageIndex)
             continue;
         if (auto live = entry.annotation.lock())
@@ -280,7 +279,7 @@ AnnotationStore::annotationOf(const Found& found, int pageIndex, const std::shar
     annotation->m_properties.isReadOnly = (found.flags & annotations::fieldIsReadOnly) != 0;
     annotation->m_document = document;
     annotation->m_pageIndex = pageIndex;
-    m_entries.push_back({annotation, pageIndex, pdf_keep_obj(ctx, found.object), {}, {}});
+    m_entries.push_back({annotation, pageIndex, ObjectHandle(pdf_keep_obj(ctx, found.object)), {}, {}});
     return annotation;
 }
 

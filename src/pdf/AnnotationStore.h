@@ -3,6 +3,7 @@
 
 #include "pdf/AnnotationObject.h"
 #include "pdf/CookieScope.h"
+#include "pdf/ObjectHandle.h"
 #include "pdf/PDFAnnotation.h"
 #include "pdf/PDFError.h"
 
@@ -39,14 +40,14 @@ public:
     annotations(CookieScope& scope, int pageIndex, const std::shared_ptr<PDFDocument>& document);
 
     /// To be called before the document is dropped.
-    void clear(fz_context* ctx);
+    void clear();
 
 private:
     struct Entry
     {
         std::weak_ptr<PDFAnnotation> annotation;
         int pageIndex = -1;
-        pdf_obj* object = nullptr;
+        ObjectHandle object;
         annotations::ObjectRange appearance;
         QSizeF drawnSize;
     };
@@ -75,7 +76,7 @@ private:
     static void read(fz_context* ctx, pdf_obj* object, Found& found);
 
     Entry* find(const PDFAnnotation& annotation);
-    void forgetReleased(fz_context* ctx);
+    void forgetReleased();
     std::optional<PDFError> flush(PDFAnnotation& annotation, CookieScope& scope);
     std::optional<PDFError> remove(Entry& entry, CookieScope& scope);
     std::optional<PDFError> writeFound(const State& state, Entry* entry, CookieScope& scope);

@@ -51,7 +51,7 @@ DocumentHandle::DocumentHandle()
 DocumentHandle::~DocumentHandle()
 {
     fz_context* ctx = engine::context();
-    annotations.clear(ctx);
+    annotations.clear();
     pages.clear(ctx);
     pdf_drop_document(ctx, document);
 }

@@ -154,6 +154,24 @@ TEST_F(PDFAnnotationTest, IsGoneFromThePageThatItIsRemovedFrom)
     EXPECT_FALSE(readFile(path()).contains("goes"));
 }
 
+TEST_F(PDFAnnotationTest, IsRemovedOnceWhenTheNextListIsCancelled)
+{
+    const auto document = openSample();
+    const auto page = document->page(0);
+    const auto kept = addText(*document, QStringLiteral("stays"), {10, 10, 50, 20});
+    const auto removed = addText(*document, QStringLiteral("goes"), {10, 50, 50, 20});
+    ASSERT_EQ(page->annotations().size(), 2u);
+    page->removeAnnotation(removed);
+    const Cancellation cancelled;
+    cancelled.cancel();
+    EXPECT_FALSE(page->annotationDisplayList(cancelled));
+    // Takes the place of what was removed, in memory too.
+    const auto added = addText(*document, QStringLiteral("comes"), {10, 90, 50, 20});
+    EXPECT_EQ(page->annotations(), (std::vector{kept, added}));
+    ASSERT_TRUE(document->write(path()));
+    EXPECT_EQ(saved().size(), 2u);
+}
+
 TEST_F(PDFAnnotationTest, CanBeAddedAgainAfterItWasRemoved)
 {
     const auto document = openSample();
