@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/AnnotationLog.h"
 #include "pdf/AnnotationStore.h"
 #include "pdf/PDFPage.h"
 #include "pdf/PageTree.h"
@@ -17,6 +18,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <unordered_map>
 
 // What the engine's public classes hold of MuPDF.
 namespace pdf {
@@ -51,6 +53,9 @@ public:
     /// The number of pages once they can be read; never waits for an operation that holds the mutex.
     std::atomic<int> pageCount = 0;
     AnnotationStore annotations;
+    AnnotationLog annotationLog;
+    /// The appearances that were made here, by the numbers of the annotations that have them.
+    std::unordered_map<int, annotations::ObjectRange> appearances;
     /// Counts the changes made to the document since it was opened; see noteChange().
     std::atomic<std::uint64_t> changes = 0;
     /// The changes that the document's own file has.

@@ -159,6 +159,7 @@ Result<std::monostate> PDFPage::setRotation(int degrees)
     }
     CookieScope scope{Cancellation()};
     document.noteChange();
+    document.annotationLog.noteAll();
     const auto error = engine::attempt(scope, [&](fz_context* ctx) {
         pdf_dict_put_int(ctx, m_handle->object, PDF_NAME(Rotate), rotation);
         m_handle->loadGeometry(ctx);
@@ -251,6 +252,7 @@ std::vector<PDFLink> PDFPage::links(const Cancellation& cancellation)
     std::vector<PDFLink> links;
     const std::lock_guard lock(m_handle->document.mutex);
     CookieScope scope(cancellation);
+    static_cast<void>(m_handle->document.annotations.flush(scope));
     const auto error = engine::attempt(
         scope, [&](fz_context* ctx) { readLinks(ctx, m_handle->document, *m_handle, links); });
     return error ? std::vector<PDFLink>() : links;
@@ -276,6 +278,7 @@ Result<std::vector<PDFFormField>> PDFPage::formFields(const Cancellation& cancel
 {
     const std::lock_guard lock(m_handle->document.mutex);
     CookieScope scope(cancellation);
+    static_cast<void>(m_handle->document.annotations.flush(scope));
     fields::PageRecord record;
     if (auto error = engine::attempt(scope, [&](fz_context* ctx) {
             fields::readPage(ctx, m_handle->document, m_handle->object, m_handle->index, record);
