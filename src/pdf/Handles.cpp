@@ -46,12 +46,14 @@ int normalisedRotation(double degrees)
 
 DocumentHandle::DocumentHandle()
     : annotations(*this)
+    , annotationLists(*this)
 {}
 
 DocumentHandle::~DocumentHandle()
 {
     fz_context* ctx = engine::context();
     annotations.clear();
+    annotationLists.clear();
     pages.clear(ctx);
     pdf_drop_document(ctx, document);
 }
@@ -147,11 +149,6 @@ pdf_page* PageHandle::loadContents(fz_context* ctx)
         fz_rethrow(ctx);
     }
     return page;
-}
-
-DisplayListHandle::~DisplayListHandle()
-{
-    fz_drop_display_list(engine::context(), list);
 }
 
 } // namespace pdf

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "pdf/AnnotationLog.h"
+#include "pdf/AnnotationRecorder.h"
 #include "pdf/AnnotationStore.h"
 #include "pdf/PDFPage.h"
 #include "pdf/PageTree.h"
@@ -54,6 +55,7 @@ public:
     std::atomic<int> pageCount = 0;
     AnnotationStore annotations;
     AnnotationLog annotationLog;
+    AnnotationRecorder annotationLists;
     /// The appearances that were made here, by the numbers of the annotations that have them.
     std::unordered_map<int, annotations::ObjectRange> appearances;
     /// Counts the changes made to the document since it was opened; see noteChange().
@@ -113,18 +115,6 @@ public:
 private:
     mutable std::mutex m_geometryMutex;
     PageGeometry m_geometry;
-};
-
-class DisplayListHandle
-{
-public:
-    DisplayListHandle() = default;
-    ~DisplayListHandle();
-    DisplayListHandle(const DisplayListHandle&) = delete;
-    DisplayListHandle& operator=(const DisplayListHandle&) = delete;
-
-    fz_display_list* list = nullptr;
-    QSizeF displaySize;
 };
 
 } // namespace pdf

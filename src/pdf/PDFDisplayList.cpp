@@ -3,10 +3,12 @@
 
 #include "pdf/DrawLimits.h"
 #include "pdf/Engine.h"
-#include "pdf/Handles.h"
+#include "pdf/RecordedList.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <span>
 #include <utility>
 
 namespace pdf {
@@ -26,7 +28,7 @@ struct Target
 };
 
 /// May throw as MuPDF does.
-void drawList(fz_context* ctx, fz_display_list* list, const Target& target, fz_cookie* cookie)
+void drawLists(fz_context* ctx, const DisplayListHandle& handle, const Target& target, fz_cookie* cookie)
 {
     fz_pixmap* pixmap = fz_new_pixmap_with_data(
         ctx, fz_device_bgr(ctx), target.width, target.height, nullptr, 1, target.stride, target.pixels);
@@ -39,7 +41,13 @@ void drawList(fz_context* ctx, fz_display_list* list, const Target& target, fz_c
         device = fz_new_draw_device(ctx, fz_identity, pixmap);
         const fz_rect area = fz_rect_from_irect(fz_pixmap_bbox(ctx, pixmap));
         limitDrawing(device, area);
-        fz_run_display_list(ctx, list, device, fz_scale(target.scale, target.scale), area, cookie);
+        const fz_matrix scaling = fz_scale(target.scale, target.scale);
+        for (const auto& part : handle.parts) {
+            // What is thinner than a pixel still colours the ones beside it.
+            const fz_rect reach = fz_expand_rect(fz_transform_rect(part->area(), scaling), 1);
+            if (!fz_is_empty_rect(fz_intersect_rect(reach, area)))
+                fz_run_display_list(ctx, part->list(), device, scaling, area, cookie);
+        }
         fz_close_device(ctx, device);
     }
     fz_always(ctx)
@@ -53,6 +61,21 @@ void drawList(fz_context* ctx, fz_display_list* list, const Target& target, fz_c
     }
 }
 
+using Part = std::shared_ptr<const RecordedList>;
+
+// More are put together in one.
+constexpr std::size_t mostPlaces = 8;
+
+void addPlace(std::vector<QRectF>& places, const RecordedList& list)
+{
+    const fz_rect area = list.area();
+    const QRectF place(QPointF(area.x0, area.y0), QPointF(area.x1, area.y1));
+    if (places.size() < mostPlaces)
+        places.push_back(place);
+    else
+        places.back() |= place;
+}
+
 } // namespace
 
 PDFDisplayList::PDFDisplayList(std::shared_ptr<const DisplayListHandle> handle)
@@ -62,6 +85,37 @@ PDFDisplayList::PDFDisplayList(std::shared_ptr<const DisplayListHandle> handle)
 QSizeF PDFDisplayList::displaySize() const
 {
     return m_handle->displaySize;
+}
+
+bool PDFDisplayList::isEmpty() const
+{
+    return m_handle->parts.empty();
+}
+
+std::vector<QRectF> PDFDisplayList::difference(const PDFDisplayList& other) const
+{
+    if (displaySize() != other.displaySize())
+        return {QRectF(QPointF(), displaySize())};
+    const std::span<const Part> mine(m_handle->parts);
+    const std::span<const Part> others(other.m_handle->parts);
+    const auto alike = std::mismatch(mine.begin(), mine.end(), others.begin(), others.end());
+    const std::span<const Part> rest(alike.first, mine.end());
+    const std::span<const Part> otherRest(alike.second, others.end());
+    const auto ends = std::mismatch(rest.rbegin(), rest.rend(), otherRest.rbegin(), otherRest.rend());
+    const auto count = static_cast<std::size_t>(rest.rend() - ends.first);
+    const auto otherCount = static_cast<std::size_t>(otherRest.rend() - ends.second);
+    // Where as many stand between what is alike, what has the same place in the order is compared.
+    const bool isInStep = count == otherCount;
+    std::vector<QRectF> places;
+    for (std::size_t i = 0; i < std::max(count, otherCount); ++i) {
+        if (isInStep && rest[i] == otherRest[i])
+            continue;
+        if (i < count)
+            addPlace(places, *rest[i]);
+        if (i < otherCount)
+            addPlace(places, *otherRest[i]);
+    }
+    return places;
 }
 
 Result<std::monostate>
@@ -75,7 +129,7 @@ PDFDisplayList::draw(QImage& image, QPoint origin, double scale, const Cancellat
                            origin,         static_cast<float>(scale)};
     CookieScope scope(cancellation);
     if (auto error = engine::attempt(
-            scope, [&](fz_context* ctx) { drawList(ctx, m_handle->list, target, scope.cookie()); }))
+            scope, [&](fz_context* ctx) { drawLists(ctx, *m_handle, target, scope.cookie()); }))
         return *error;
     return std::monostate();
 }
