@@ -13,6 +13,9 @@ namespace {
 // As many as a view shows, as a rule, and one that is turned to.
 constexpr std::size_t keptPages = 4;
 
+// A change costs as much as to walk over its group and to walk over the groups.
+constexpr std::size_t groupSize = 128;
+
 void runAnnotation(fz_context* ctx, void* annotation, fz_device* device, fz_cookie* cookie)
 {
     pdf_run_annot(ctx, static_cast<pdf_annot*>(annotation), device, fz_identity, cookie);
@@ -64,13 +67,13 @@ AnnotationRecorder::record(PageHandle& handle, CookieScope& scope)
     const fz_rect area = handle.geometry().displayRect;
     auto result = std::make_shared<DisplayListHandle>();
     result->displaySize = {double(area.x1 - area.x0), double(area.y1 - area.y0)};
-    for (Piece& piece : page.pieces) {
-        if (!piece.list) {
-            if (auto error = record(piece, area, scope))
+    for (std::size_t i = 0; i < page.groups.size(); ++i) {
+        if (!page.groups[i]) {
+            if (auto error = record(page, i, area, scope))
                 return *error;
         }
-        if (!fz_is_empty_rect(piece.list->area()))
-            result->parts.push_back(piece.list);
+        if (!page.groups[i]->parts.empty())
+            result->groups.push_back(page.groups[i]);
     }
     return std::shared_ptr<const DisplayListHandle>(std::move(result));
 }
@@ -84,6 +87,7 @@ bool AnnotationRecorder::dropChanged(Page& page, CookieScope& scope) const
     if (!log.isUsable(page.stamp)) {
         page.pieces.clear();
         page.places.clear();
+        page.groups.clear();
         return false;
     }
     bool isWhole = log.areListsCurrent(page.stamp);
@@ -93,6 +97,7 @@ bool AnnotationRecorder::dropChanged(Page& page, CookieScope& scope) const
             continue;
         Piece& piece = page.pieces[place->second];
         piece.list = nullptr;
+        page.groups[place->second / groupSize] = nullptr;
         // MuPDF makes a missing appearance when it loads a page.
         bool hasAppearance = false;
         const auto error = engine::attempt(scope, [&](fz_context* ctx) {
@@ -132,7 +137,26 @@ std::optional<PDFError> AnnotationRecorder::load(Page& page, PageHandle& handle,
     dropPage(std::exchange(page.page, loaded));
     page.pieces = std::move(pieces);
     page.places = std::move(places);
+    page.groups.assign((page.pieces.size() + groupSize - 1) / groupSize, nullptr);
     page.stamp = m_document.annotationLog.now();
+    return std::nullopt;
+}
+
+std::optional<PDFError>
+AnnotationRecorder::record(Page& page, std::size_t group, fz_rect area, CookieScope& scope)
+{
+    auto recorded = std::make_shared<ListGroup>();
+    const std::size_t end = std::min(page.pieces.size(), (group + 1) * groupSize);
+    for (std::size_t i = group * groupSize; i < end; ++i) {
+        Piece& piece = page.pieces[i];
+        if (!piece.list) {
+            if (auto error = record(piece, area, scope))
+                return error;
+        }
+        if (!fz_is_empty_rect(piece.list->area()))
+            recorded->add(piece.list);
+    }
+    page.groups[group] = std::move(recorded);
     return std::nullopt;
 }
 

@@ -54,11 +54,14 @@ private:
         std::vector<Piece> pieces;
         /// Of the pieces, by number.
         std::unordered_map<int, std::size_t> places;
+        /// The lists of so many pieces each; null where one of them is to be recorded.
+        std::vector<std::shared_ptr<const ListGroup>> groups;
     };
 
     Page& find(int index);
     bool dropChanged(Page& page, CookieScope& scope) const;
     std::optional<PDFError> load(Page& page, PageHandle& handle, CookieScope& scope) const;
+    static std::optional<PDFError> record(Page& page, std::size_t group, fz_rect area, CookieScope& scope);
     static std::optional<PDFError> record(Piece& piece, fz_rect area, CookieScope& scope);
 
     DocumentHandle& m_document;

@@ -20,6 +20,7 @@
 #include <mutex>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 // What the engine's public classes hold of MuPDF.
 namespace pdf {
@@ -56,6 +57,14 @@ public:
     AnnotationStore annotations;
     AnnotationLog annotationLog;
     AnnotationRecorder annotationLists;
+    /// Where among the annotations of a page its form fields are, by its index.
+    struct WidgetPlaces
+    {
+        /// When they were looked for; absent where they are not known.
+        std::optional<AnnotationLog::Stamp> stamp;
+        std::vector<int> places;
+    };
+    std::unordered_map<int, WidgetPlaces> widgetPlaces;
     /// The appearances that were made here, by the numbers of the annotations that have them.
     std::unordered_map<int, annotations::ObjectRange> appearances;
     /// Counts the changes made to the document since it was opened; see noteChange().

@@ -42,11 +42,18 @@ void drawLists(fz_context* ctx, const DisplayListHandle& handle, const Target& t
         const fz_rect area = fz_rect_from_irect(fz_pixmap_bbox(ctx, pixmap));
         limitDrawing(device, area);
         const fz_matrix scaling = fz_scale(target.scale, target.scale);
-        for (const auto& part : handle.parts) {
-            // What is thinner than a pixel still colours the ones beside it.
-            const fz_rect reach = fz_expand_rect(fz_transform_rect(part->area(), scaling), 1);
-            if (!fz_is_empty_rect(fz_intersect_rect(reach, area)))
-                fz_run_display_list(ctx, part->list(), device, scaling, area, cookie);
+        // What is thinner than a pixel still colours the ones beside it.
+        const auto isTouched = [&](const fz_rect& place) {
+            const fz_rect reach = fz_expand_rect(fz_transform_rect(place, scaling), 1);
+            return !fz_is_empty_rect(fz_intersect_rect(reach, area));
+        };
+        for (const auto& group : handle.groups) {
+            if (!isTouched(group->area))
+                continue;
+            for (const ListGroup::Part& part : group->parts) {
+                if (isTouched(part.area))
+                    fz_run_display_list(ctx, part.list->list(), device, scaling, area, cookie);
+            }
         }
         fz_close_device(ctx, device);
     }
@@ -61,10 +68,35 @@ void drawLists(fz_context* ctx, const DisplayListHandle& handle, const Target& t
     }
 }
 
-using Part = std::shared_ptr<const RecordedList>;
+using Groups = std::span<const std::shared_ptr<const ListGroup>>;
+using Lists = std::vector<const RecordedList*>;
 
 // More are put together in one.
 constexpr std::size_t mostPlaces = 8;
+
+/// Takes away what both begin with and end with.
+template <typename Element>
+void dropAlike(std::span<Element>& a, std::span<Element>& b)
+{
+    const auto start = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    const auto count = static_cast<std::size_t>(start.first - a.begin());
+    a = a.subspan(count);
+    b = b.subspan(count);
+    const auto end = std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend());
+    const auto endCount = static_cast<std::size_t>(end.first - a.rbegin());
+    a = a.first(a.size() - endCount);
+    b = b.first(b.size() - endCount);
+}
+
+Lists listsOf(Groups groups)
+{
+    Lists lists;
+    for (const auto& group : groups) {
+        for (const ListGroup::Part& part : group->parts)
+            lists.push_back(part.list.get());
+    }
+    return lists;
+}
 
 void addPlace(std::vector<QRectF>& places, const RecordedList& list)
 {
@@ -89,30 +121,30 @@ QSizeF PDFDisplayList::displaySize() const
 
 bool PDFDisplayList::isEmpty() const
 {
-    return m_handle->parts.empty();
+    return m_handle->groups.empty();
 }
 
 std::vector<QRectF> PDFDisplayList::difference(const PDFDisplayList& other) const
 {
     if (displaySize() != other.displaySize())
         return {QRectF(QPointF(), displaySize())};
-    const std::span<const Part> mine(m_handle->parts);
-    const std::span<const Part> others(other.m_handle->parts);
-    const auto alike = std::mismatch(mine.begin(), mine.end(), others.begin(), others.end());
-    const std::span<const Part> rest(alike.first, mine.end());
-    const std::span<const Part> otherRest(alike.second, others.end());
-    const auto ends = std::mismatch(rest.rbegin(), rest.rend(), otherRest.rbegin(), otherRest.rend());
-    const auto count = static_cast<std::size_t>(rest.rend() - ends.first);
-    const auto otherCount = static_cast<std::size_t>(otherRest.rend() - ends.second);
+    Groups groups(m_handle->groups);
+    Groups otherGroups(other.m_handle->groups);
+    dropAlike(groups, otherGroups);
+    const Lists lists = listsOf(groups);
+    const Lists otherLists = listsOf(otherGroups);
+    std::span<const RecordedList* const> rest(lists);
+    std::span<const RecordedList* const> otherRest(otherLists);
+    dropAlike(rest, otherRest);
     // Where as many stand between what is alike, what has the same place in the order is compared.
-    const bool isInStep = count == otherCount;
+    const bool isInStep = rest.size() == otherRest.size();
     std::vector<QRectF> places;
-    for (std::size_t i = 0; i < std::max(count, otherCount); ++i) {
+    for (std::size_t i = 0; i < std::max(rest.size(), otherRest.size()); ++i) {
         if (isInStep && rest[i] == otherRest[i])
             continue;
-        if (i < count)
+        if (i < rest.size())
             addPlace(places, *rest[i]);
-        if (i < otherCount)
+        if (i < otherRest.size())
             addPlace(places, *otherRest[i]);
     }
     return places;

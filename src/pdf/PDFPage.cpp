@@ -188,7 +188,9 @@ Result<PDFDisplayList> PDFPage::contentDisplayList(const Cancellation& cancellat
         }))
         return *error;
     list->displaySize = sizeOf(rect);
-    list->parts.push_back(std::move(content));
+    auto group = std::make_shared<ListGroup>();
+    group->add(content);
+    list->groups.push_back(std::move(group));
     return PDFDisplayList(std::move(list));
 }
 

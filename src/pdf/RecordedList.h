@@ -37,11 +37,33 @@ private:
     fz_rect m_area = fz_infinite_rect;
 };
 
-/// What a page draws: its lists one over the other.
+/// Lists that are drawn one over the other; immutable once it is shared. The areas stand beside them, so that
+/// to pass over one costs no look at it.
+struct ListGroup
+{
+    struct Part
+    {
+        std::shared_ptr<const RecordedList> list;
+        fz_rect area;
+    };
+
+    std::vector<Part> parts;
+    /// Of all of them.
+    fz_rect area = fz_empty_rect;
+
+    void add(const std::shared_ptr<const RecordedList>& list)
+    {
+        parts.push_back({list, list->area()});
+        area = fz_union_rect(area, list->area());
+    }
+};
+
+/// What a page draws: the lists of its groups one over the other. In groups, because of thousands of lists
+/// all but a few are usually those of another handle.
 struct DisplayListHandle
 {
     QSizeF displaySize;
-    std::vector<std::shared_ptr<const RecordedList>> parts;
+    std::vector<std::shared_ptr<const ListGroup>> groups;
 };
 
 } // namespace pdf
