@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace pdf::annotations {
@@ -38,8 +39,11 @@ pdf_obj* ensureDictionary(fz_context* ctx, pdf_obj* owner, pdf_obj* key)
     return pdf_is_dict(ctx, dictionary) ? dictionary : pdf_dict_put_dict(ctx, owner, key, 4);
 }
 
+/// Compares objects by their numbers, so that those of a list need not be read for it.
 bool isSame(fz_context* ctx, pdf_obj* a, pdf_obj* b)
 {
+    if (pdf_is_indirect(ctx, a) && pdf_is_indirect(ctx, b))
+        return pdf_to_num(ctx, a) == pdf_to_num(ctx, b);
     return a && b && pdf_resolve_indirect(ctx, a) == pdf_resolve_indirect(ctx, b);
 }
 
@@ -69,28 +73,31 @@ pdf_obj* ensureForm(fz_context* ctx, pdf_document* document)
     return form;
 }
 
-bool isNameTaken(fz_context* ctx, pdf_obj* fields, const char* name)
+/// The number in a name like those that are given here, or 0.
+int numberIn(const char* name)
 {
-    const int count = pdf_array_len(ctx, fields);
-    for (int i = 0; i < count; ++i) {
-        if (qstrcmp(pdf_dict_get_text_string(ctx, pdf_array_get(ctx, fields, i), PDF_NAME(T)), name) == 0)
-            return true;
-    }
-    return false;
+    // Larger ones are left to others, so that the next is a number still.
+    constexpr int largest = 1'000'000'000;
+    int number = 0;
+    char rest = 0;
+    const bool isNumbered = std::sscanf(name, "Text%9d%c", &number, &rest) == 1;
+    return isNumbered && number > 0 && number < largest ? number : 0;
 }
 
-/// Makes the annotation a text field of the document's form.
-void joinForm(fz_context* ctx, pdf_document* document, pdf_obj* annotation)
+/// Makes the annotation a text field with a name that no field of the form has.
+void makeField(fz_context* ctx, pdf_document* document, pdf_obj* annotation)
 {
     pdf_obj* fields = ensureArray(ctx, ensureForm(ctx, document), PDF_NAME(Fields));
+    const int count = pdf_array_len(ctx, fields);
+    int number = count;
+    for (int i = 0; i < count; ++i) {
+        const char* name = pdf_dict_get_text_string(ctx, pdf_array_get(ctx, fields, i), PDF_NAME(T));
+        number = std::max(number, numberIn(name));
+    }
     char name[32];
-    int number = pdf_array_len(ctx, fields);
-    do
-        std::snprintf(name, sizeof name, "Text%d", ++number);
-    while (isNameTaken(ctx, fields, name));
+    std::snprintf(name, sizeof name, "Text%d", number + 1);
     pdf_dict_put(ctx, annotation, PDF_NAME(FT), PDF_NAME(Tx));
     pdf_dict_put_text_string(ctx, annotation, PDF_NAME(T), name);
-    pdf_array_push(ctx, fields, annotation);
 }
 
 void leaveForm(fz_context* ctx, pdf_document* document, pdf_obj* annotation)
@@ -115,30 +122,28 @@ void writeField(fz_context* ctx, pdf_obj* annotation, const Content& content)
     }
 }
 
+} // namespace
+
 void deleteObjects(fz_context* ctx, pdf_document* document, ObjectRange& range)
 {
     for (; range.first < range.end; ++range.first)
         pdf_delete_object(ctx, document, range.first);
 }
 
-void writeAppearance(
-    fz_context* ctx, pdf_document* document, pdf_obj* annotation, const Content& content,
-    ObjectRange& appearance)
+void writePicture(
+    fz_context* ctx, pdf_document* document, pdf_obj* annotation, const DrawnPage& picture,
+    const QSizeF& size)
 {
-    deleteObjects(ctx, document, appearance);
-    appearance.first = pdf_xref_len(ctx, document);
-    const fz_rect box = {
-        0, 0, static_cast<float>(content.bounds.width()), static_cast<float>(content.bounds.height())};
-    pdf_obj* picture = graftPage(ctx, document, content.picture.file, box);
+    const fz_rect box = {0, 0, static_cast<float>(size.width()), static_cast<float>(size.height())};
+    pdf_obj* stream = graftPage(ctx, document, picture.file, box);
     fz_try(ctx)
     {
-        appearance.end = pdf_xref_len(ctx, document);
         pdf_obj* appearances = pdf_dict_put_dict(ctx, annotation, PDF_NAME(AP), 1);
-        pdf_dict_put(ctx, appearances, PDF_NAME(N), picture);
+        pdf_dict_put(ctx, appearances, PDF_NAME(N), stream);
     }
     fz_always(ctx)
     {
-        pdf_drop_obj(ctx, picture);
+        pdf_drop_obj(ctx, stream);
     }
     fz_catch(ctx)
     {
@@ -146,9 +151,7 @@ void writeAppearance(
     }
 }
 
-} // namespace
-
-pdf_obj* add(fz_context* ctx, pdf_document* document, pdf_obj* page, const Content& content)
+pdf_obj* make(fz_context* ctx, pdf_document* document, pdf_obj* page, const Content& content)
 {
     pdf_obj* annotation = pdf_add_new_dict(ctx, document, 12);
     fz_try(ctx)
@@ -158,15 +161,31 @@ pdf_obj* add(fz_context* ctx, pdf_document* document, pdf_obj* page, const Conte
         pdf_dict_put(ctx, annotation, PDF_NAME(P), page);
         pdf_dict_put_int(ctx, annotation, PDF_NAME(F), isPrinted);
         if (content.isField)
-            joinForm(ctx, document, annotation);
-        pdf_array_push(ctx, ensureArray(ctx, page, PDF_NAME(Annots)), annotation);
+            makeField(ctx, document, annotation);
     }
     fz_catch(ctx)
     {
+        pdf_delete_object(ctx, document, pdf_to_num(ctx, annotation));
         pdf_drop_obj(ctx, annotation);
         fz_rethrow(ctx);
     }
     return annotation;
+}
+
+void attach(
+    fz_context* ctx, pdf_document* document, pdf_obj* page, pdf_obj* annotation, const Content& content)
+{
+    fz_try(ctx)
+    {
+        if (content.isField)
+            pdf_array_push(ctx, ensureArray(ctx, ensureForm(ctx, document), PDF_NAME(Fields)), annotation);
+        pdf_array_push(ctx, ensureArray(ctx, page, PDF_NAME(Annots)), annotation);
+    }
+    fz_catch(ctx)
+    {
+        leaveForm(ctx, document, annotation);
+        fz_rethrow(ctx);
+    }
 }
 
 void writeBounds(fz_context* ctx, pdf_obj* annotation, const QRectF& bounds)
@@ -180,9 +199,7 @@ void writeContents(fz_context* ctx, pdf_obj* annotation, const QByteArray& conte
     pdf_dict_put_text_string(ctx, annotation, PDF_NAME(Contents), contents.constData());
 }
 
-void write(
-    fz_context* ctx, pdf_document* document, pdf_obj* annotation, const Content& content,
-    ObjectRange& appearance)
+void write(fz_context* ctx, pdf_obj* annotation, const Content& content)
 {
     writeBounds(ctx, annotation, content.bounds);
     if (!content.contents.isEmpty())
@@ -197,7 +214,6 @@ void write(
     pdf_dict_put_int(ctx, border, PDF_NAME(W), content.borderWidth.value_or(0));
     if (content.isField)
         writeField(ctx, annotation, content);
-    writeAppearance(ctx, document, annotation, content, appearance);
 }
 
 void remove(

@@ -28,8 +28,6 @@ struct Content
     QByteArray defaultAppearance;
     /// 0 left, 1 centred, 2 right.
     int quadding = 0;
-    /// Shows the annotation; the page's lower left corner is that of the bounds.
-    DrawnPage picture;
 
     // A text field.
     bool isField = false;
@@ -47,20 +45,31 @@ struct ObjectRange
     int end = 0;
 };
 
-/// Adds an object with nothing but its subtype to the page; a form field gets a name of its own and joins the
-/// document's form. The caller drops the object.
-pdf_obj* add(fz_context* ctx, pdf_document* document, pdf_obj* page, const Content& content);
+/// Makes an object with nothing but its subtype and, for a form field, a name of its own. The caller drops
+/// it.
+pdf_obj* make(fz_context* ctx, pdf_document* document, pdf_obj* page, const Content& content);
+
+/// Puts the object on the page, above all others, and a form field into the document's form; on failure it is
+/// in neither.
+void attach(
+    fz_context* ctx, pdf_document* document, pdf_obj* page, pdf_obj* annotation, const Content& content);
 
 void writeBounds(fz_context* ctx, pdf_obj* annotation, const QRectF& bounds);
 void writeContents(fz_context* ctx, pdf_obj* annotation, const QByteArray& contents);
 
-/// Writes all entries and replaces the appearance, deleting what the last one was made of.
-void write(
-    fz_context* ctx, pdf_document* document, pdf_obj* annotation, const Content& content,
-    ObjectRange& appearance);
+/// Writes all entries but the appearance.
+void write(fz_context* ctx, pdf_obj* annotation, const Content& content);
+
+/// Has the annotation show the picture, whose page has its lower left corner where the bounds have theirs.
+void writePicture(
+    fz_context* ctx, pdf_document* document, pdf_obj* annotation, const DrawnPage& picture,
+    const QSizeF& size);
 
 /// Where the picture is in the annotation.
 extern const char* const picturePath;
+
+/// Deletes the objects and empties the range.
+void deleteObjects(fz_context* ctx, pdf_document* document, ObjectRange& range);
 
 /// Takes the annotation, its pop-up note and its form field out of the document. `appearance` is deleted too.
 void remove(

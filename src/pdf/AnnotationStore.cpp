@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/AnnotationStore.h"
 
-#include "pdf/AnnotationPicture.h"
 #include "pdf/Engine.h"
+#include "pdf/FieldTree.h"
 #include "pdf/Handles.h"
-#include "pdf/ToUnicode.h"
-
-#include <QFontInfo>
+#include "pdf/LastStep.h"
+#include "pdf/Limits.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace pdf {
@@ -25,19 +25,14 @@ PDFAnnotation::Subtype subtypeOf(const QString& type)
     return PDFAnnotation::Subtype::other;
 }
 
-/// One of the fonts that every viewer has, size and colour.
-QByteArray defaultAppearance(const QFont& font, const QColor& color)
+const char* fieldValue(fz_context* ctx, pdf_obj* widget)
 {
-    const QFontInfo info(font);
-    const double size = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize();
-    const auto number = [](double value) { return QByteArray::number(value, 'f', 3); };
-    return QByteArray(info.fixedPitch() ? "/Cour " : "/Helv ") + number(size) + " Tf " +
-           number(color.redF()) + ' ' + number(color.greenF()) + ' ' + number(color.blueF()) + " rg";
+    return pdf_to_text_string(ctx, fields::inherited(ctx, widget, PDF_NAME(V)));
 }
 
-int quaddingOf(Qt::AlignmentFlag alignment)
+QString textOf(const char* value)
 {
-    return alignment == Qt::AlignHCenter ? 1 : alignment == Qt::AlignRight ? 2 : 0;
+    return QString::fromUtf8(value).replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(u'\r', u'\n');
 }
 
 } // namespace
@@ -46,36 +41,86 @@ AnnotationStore::AnnotationStore(DocumentHandle& document)
     : m_document(document)
 {}
 
-void AnnotationStore::clear(fz_context* ctx)
+void AnnotationStore::clear()
 {
-    for (const Entry& entry : m_entries)
-        pdf_drop_obj(ctx, entry.object);
+    m_names.clear();
     m_entries.clear();
 }
 
 void AnnotationStore::enqueue(std::shared_ptr<PDFAnnotation> annotation)
 {
     const std::lock_guard lock(m_pendingMutex);
-    if (std::find(m_pending.begin(), m_pending.end(), annotation) == m_pending.end())
+    if (m_isPending.insert(annotation.get()).second)
         m_pending.push_back(std::move(annotation));
+}
+
+std::size_t AnnotationStore::NameHash::operator()(const Name& name) const
+{
+    return std::hash<const pdf_obj*>()(name.object) ^ std::hash<int>()(name.number);
+}
+
+AnnotationStore::Name AnnotationStore::nameOf(pdf_obj* object)
+{
+    fz_context* ctx = engine::context();
+    return pdf_is_indirect(ctx, object) ? Name{pdf_to_num(ctx, object), nullptr} : Name{0, object};
 }
 
 AnnotationStore::Entry* AnnotationStore::find(const PDFAnnotation& annotation)
 {
-    const auto entry = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& candidate) {
-        return candidate.annotation.lock().get() == &annotation;
-    });
-    return entry == m_entries.end() ? nullptr : &*entry;
+    const auto place = m_entries.find(&annotation);
+    if (place == m_entries.end())
+        return nullptr;
+    if (place->second.annotation.lock().get() == &annotation)
+        return &place->second;
+    // One that is gone was where this one is now.
+    erase(&annotation);
+    return nullptr;
 }
 
-void AnnotationStore::forgetReleased(fz_context* ctx)
+std::vector<std::shared_ptr<PDFAnnotation>> AnnotationStore::findLive(pdf_obj* object) const
 {
-    std::erase_if(m_entries, [ctx](const Entry& entry) {
-        if (!entry.annotation.expired())
-            return false;
-        pdf_drop_obj(ctx, entry.object);
-        return true;
-    });
+    std::vector<std::shared_ptr<PDFAnnotation>> found;
+    const auto [begin, end] = m_names.equal_range(nameOf(object));
+    for (auto place = begin; place != end; ++place) {
+        if (auto live = m_entries.at(place->second).annotation.lock())
+            found.push_back(std::move(live));
+    }
+    return found;
+}
+
+AnnotationStore::Entry&
+AnnotationStore::insert(const std::shared_ptr<PDFAnnotation>& annotation, int pageIndex, ObjectHandle object)
+{
+    erase(annotation.get());
+    m_names.emplace(nameOf(object.get()), annotation.get());
+    Entry& entry = m_entries[annotation.get()];
+    entry.annotation = annotation;
+    entry.pageIndex = pageIndex;
+    entry.object = std::move(object);
+    return entry;
+}
+
+void AnnotationStore::erase(const PDFAnnotation* annotation)
+{
+    const auto entry = m_entries.find(annotation);
+    if (entry == m_entries.end())
+        return;
+    const auto [begin, end] = m_names.equal_range(nameOf(entry->second.object.get()));
+    const auto isName = [&](const auto& name) { return name.second == annotation; };
+    if (const auto name = std::find_if(begin, end, isName); name != end)
+        m_names.erase(name);
+    m_entries.erase(entry);
+}
+
+void AnnotationStore::forgetReleased()
+{
+    std::vector<const PDFAnnotation*> released;
+    for (const auto& [annotation, entry] : m_entries) {
+        if (entry.annotation.expired())
+            released.push_back(annotation);
+    }
+    for (const PDFAnnotation* annotation : released)
+        erase(annotation);
 }
 
 pdf_obj* AnnotationStore::pageObject(fz_context* ctx, int pageIndex)
@@ -92,10 +137,14 @@ std::optional<PDFError> AnnotationStore::flush(CookieScope& scope)
     {
         const std::lock_guard lock(m_pendingMutex);
         pending.swap(m_pending);
+        m_isPending.clear();
     }
     std::optional<PDFError> firstError;
     for (auto& annotation : pending) {
-        auto error = flush(*annotation, scope);
+        // An operation that was stopped changes nothing any more.
+        auto error = scope.interruption();
+        if (!error)
+            error = flush(*annotation, scope);
         if (!error)
             continue;
         enqueue(std::move(annotation));
@@ -110,17 +159,20 @@ std::optional<PDFError> AnnotationStore::flush(CookieScope& scope)
 
 std::optional<PDFError> AnnotationStore::flush(PDFAnnotation& annotation, CookieScope& scope)
 {
-    State state = takeState(annotation);
+    const State state = takeState(annotation);
     Entry* entry = find(annotation);
+    std::optional<PDFError> error;
     if (entry && entry->pageIndex != state.pageIndex) {
-        if (auto error = remove(*entry, scope))
-            return error;
+        error = remove(annotation, *entry, scope);
         entry = nullptr;
     }
-    if (state.pageIndex < 0)
-        return std::nullopt;
-    auto error =
-        annotation.m_isOwn ? writeOwn(annotation, state, entry, scope) : writeFound(state, entry, scope);
+    if (!error && state.pageIndex >= 0) {
+        if (annotation.m_isOwn)
+            error = writeOwn(annotation, state, entry, scope);
+        else if (entry)
+            error = writeFound(annotation, state, *entry, scope);
+        // One from the file that was taken from its page is gone from the document for good.
+    }
     if (error)
         giveBack(annotation, state.changes);
     return error;
@@ -138,110 +190,49 @@ void AnnotationStore::giveBack(PDFAnnotation& annotation, const PDFAnnotation::C
     annotation.m_changes.bounds |= changes.bounds;
     annotation.m_changes.look |= changes.look;
     annotation.m_changes.value |= changes.value;
-}
-
-std::optional<PDFError> AnnotationStore::remove(Entry& entry, CookieScope& scope)
-{
-    auto error = engine::attempt(scope, [&](fz_context* ctx) {
-        pdf_obj* page = pageObject(ctx, entry.pageIndex);
-        annotations::remove(ctx, m_document.document, page, entry.object, entry.appearance);
-        pdf_drop_obj(ctx, entry.object);
-    });
-    if (!error)
-        m_entries.erase(m_entries.begin() + (&entry - m_entries.data()));
-    return error;
-}
-
-std::optional<PDFError> AnnotationStore::writeFound(const State& state, Entry* entry, CookieScope& scope)
-{
-    // One that was taken from its page is gone from the document for good.
-    if (!entry)
-        return std::nullopt;
-    const QByteArray contents = state.properties.contents.toUtf8();
-    return engine::attempt(scope, [&](fz_context* ctx) {
-        if (state.changes.bounds)
-            annotations::writeBounds(ctx, entry->object, state.properties.bounds);
-        if (state.changes.look)
-            annotations::writeContents(ctx, entry->object, contents);
-    });
+    annotation.m_changes.isReadOnly |= changes.isReadOnly;
 }
 
 std::optional<PDFError>
-AnnotationStore::writeOwn(PDFAnnotation& annotation, State& state, Entry* entry, CookieScope& scope)
+AnnotationStore::remove(const PDFAnnotation& annotation, Entry& entry, CookieScope& scope)
 {
-    const QSizeF size = state.properties.bounds.size();
-    if (entry && !state.changes.look && !state.changes.value && size == entry->drawnSize)
-        return engine::attempt(scope, [&](fz_context* ctx) {
-            annotations::writeBounds(ctx, entry->object, state.properties.bounds);
-        });
-
-    annotations::Content content = contentOf(annotation, state, entry == nullptr);
-    content.picture = drawPicture(size, [&](QPainter& painter) { annotation.draw(painter, size); });
-    if (content.picture.file.isEmpty())
-        return PDFError{PDFError::Code::damaged, QStringLiteral("the annotation cannot be drawn")};
-    if (!entry) {
-        entry = &m_entries.emplace_back();
-        entry->annotation = annotation.weak_from_this();
-        entry->pageIndex = state.pageIndex;
-    }
-    auto error = engine::attempt(scope, [&](fz_context* ctx) {
-        if (!entry->object)
-            entry->object =
-                annotations::add(ctx, m_document.document, pageObject(ctx, state.pageIndex), content);
-        annotations::write(ctx, m_document.document, entry->object, content, entry->appearance);
+    pdf_obj* object = entry.object.get();
+    auto made = m_document.appearances.extract(nameOf(object).number);
+    const annotations::ObjectRange appearance = made ? made.mapped() : annotations::ObjectRange();
+    const auto error = engine::attemptLastStep(scope, [&](fz_context* ctx) {
+        annotations::remove(ctx, m_document.document, pageObject(ctx, entry.pageIndex), object, appearance);
     });
-    if (!error && !content.picture.text.empty())
-        error = writeToUnicode(
-            scope, m_document.document, entry->object, annotations::picturePath, content.picture.text);
-    if (!error)
-        entry->drawnSize = size;
-    else if (!entry->object)
-        m_entries.pop_back();
-    return error;
-}
-
-annotations::Content
-AnnotationStore::contentOf(const PDFAnnotation& annotation, const State& state, bool isNew) const
-{
-    const auto& properties = state.properties;
-    annotations::Content content;
-    content.subtype = annotation.type().toLatin1();
-    content.bounds = properties.bounds;
-    content.contents = properties.contents.toUtf8();
-    content.borderWidth = properties.borderWidth;
-    content.isField = annotation.subtype() == PDFAnnotation::Subtype::widget;
-    if (content.isField || annotation.subtype() == PDFAnnotation::Subtype::freeText) {
-        content.defaultAppearance = defaultAppearance(properties.font, properties.fontColor);
-        content.quadding = quaddingOf(properties.alignment);
+    if (error) {
+        if (made)
+            m_document.appearances.insert(std::move(made));
+        return error;
     }
-    if (content.isField) {
-        if (isNew || state.changes.value)
-            content.value = properties.widgetStringValue.toUtf8();
-        content.isReadOnly = properties.isReadOnly;
-        if (properties.backgroundColor.alpha() > 0)
-            content.background = properties.backgroundColor;
-    }
-    return content;
+    erase(&annotation);
+    m_document.annotationLog.noteLists();
+    return std::nullopt;
 }
 
 std::vector<std::shared_ptr<PDFAnnotation>>
 AnnotationStore::annotations(CookieScope& scope, int pageIndex, const std::shared_ptr<PDFDocument>& document)
 {
+    forgetReleased();
     std::vector<std::shared_ptr<PDFAnnotation>> result;
     int count = 0;
     pdf_obj* array = nullptr;
-    auto error = engine::attempt(scope, [&](fz_context* ctx) {
-        forgetReleased(ctx);
-        array = pdf_dict_get(ctx, pageObject(ctx, pageIndex), PDF_NAME(Annots));
-        count = pdf_array_len(ctx, array);
-    });
-    for (int i = 0; i < count && !error; ++i) {
+    if (engine::attempt(scope, [&](fz_context* ctx) {
+            array = pdf_dict_get(ctx, pageObject(ctx, pageIndex), PDF_NAME(Annots));
+            count = pdf_array_len(ctx, array);
+        }))
+        return result;
+    for (int i = 0; i < count && !scope.isStopped(); ++i) {
         Found found;
-        if (engine::attempt(
-                scope, [&](fz_context* ctx) { read(ctx, pdf_array_get(ctx, array, i), found); }) ||
-            !found.object)
-            continue;
-        result.push_back(annotationOf(found, pageIndex, document));
+        const auto error = engine::attempt(scope, [&](fz_context* ctx) {
+            pdf_obj* object = pdf_array_get(ctx, array, i);
+            if (i < limits::annotationsPerPage || m_names.contains(nameOf(object)))
+                read(ctx, object, found);
+        });
+        if (!error && found.object)
+            result.push_back(annotationOf(found, pageIndex, document));
     }
     return result;
 }
@@ -254,20 +245,20 @@ void AnnotationStore::read(fz_context* ctx, pdf_obj* object, Found& found)
     found.type = pdf_to_name(ctx, type);
     found.bounds = annotations::bounds(ctx, object);
     found.contents = pdf_dict_get_text_string(ctx, object, PDF_NAME(Contents));
-    found.value = pdf_dict_get_text_string(ctx, object, PDF_NAME(V));
-    found.flags = pdf_dict_get_int(ctx, object, PDF_NAME(Ff));
+    if (pdf_name_eq(ctx, type, PDF_NAME(Widget))) {
+        found.value = fieldValue(ctx, object);
+        found.isReadOnly = fields::flags(ctx, object) & annotations::fieldIsReadOnly;
+    }
     found.object = object;
 }
 
 std::shared_ptr<PDFAnnotation>
 AnnotationStore::annotationOf(const Found& found, int pageIndex, const std::shared_ptr<PDFDocument>& document)
 {
-    fz_context* ctx = engine::context();
-    for (const Entry& entry : m_entries) {
-        const bool isSame = pdf_is_indirect(ctx, found.object)
-                                ? pdf_to_num(ctx, entry.object) == pdf_to_num(ctx, found.object)
-                                : entry.object == found.object;
-        if (!isSame || entry.pageIndex != pageIndex)
+    const auto [begin, end] = m_names.equal_range(nameOf(found.object));
+    for (auto place = begin; place != end; ++place) {
+        const Entry& entry = m_entries.at(place->second);
+        if (entry.pageIndex != pageIndex)
             continue;
         if (auto live = entry.annotation.lock())
             return live;
@@ -276,14 +267,37 @@ AnnotationStore::annotationOf(const Found& found, int pageIndex, const std::shar
     std::shared_ptr<PDFAnnotation> annotation(new PDFAnnotation(type, subtypeOf(type)));
     annotation->m_properties.bounds = found.bounds;
     annotation->m_properties.contents = QString::fromUtf8(found.contents);
-    annotation->m_properties.widgetStringValue = QString::fromUtf8(found.value);
-    annotation->m_properties.isReadOnly = (found.flags & annotations::fieldIsReadOnly) != 0;
+    annotation->m_properties.widgetStringValue = textOf(found.value);
+    annotation->m_properties.isReadOnly = found.isReadOnly;
     annotation->m_document = document;
     annotation->m_pageIndex = pageIndex;
-    // Kept only once there is an entry that gives it back.
-    m_entries.push_back({annotation, pageIndex, found.object, {}, {}});
-    pdf_keep_obj(ctx, found.object);
+    insert(annotation, pageIndex, ObjectHandle(pdf_keep_obj(engine::context(), found.object)));
     return annotation;
+}
+
+void AnnotationStore::rereadValue(CookieScope& scope, pdf_obj* widget)
+{
+    const auto live = findLive(widget);
+    if (live.empty())
+        return;
+    QString value;
+    if (engine::attemptLastStep(scope, [&](fz_context* ctx) { value = textOf(fieldValue(ctx, widget)); }))
+        return;
+    for (const auto& annotation : live) {
+        const std::lock_guard lock(annotation->m_mutex);
+        // What was set meanwhile comes after.
+        if (!annotation->m_changes.value)
+            annotation->m_properties.widgetStringValue = value;
+    }
+}
+
+double AnnotationStore::backgroundOpacity(pdf_obj* widget) const
+{
+    for (const auto& annotation : findLive(widget)) {
+        if (annotation->m_isOwn)
+            return annotation->backgroundColor().alphaF();
+    }
+    return 1.0;
 }
 
 } // namespace pdf

@@ -102,6 +102,11 @@ void addResources(
         const char* name = appearance.font.constData();
         pdf_dict_puts(ctx, fonts, name, fields::sharedFont(ctx, document, widget, name));
     }
+    if (appearance.backgroundOpacity < 1.0) {
+        pdf_obj* states = pdf_dict_put_dict(ctx, resources, PDF_NAME(ExtGState), 1);
+        pdf_obj* state = pdf_dict_puts_dict(ctx, states, "Background", 1);
+        pdf_dict_put_real(ctx, state, PDF_NAME(ca), appearance.backgroundOpacity);
+    }
     if (appearance.showsPage()) {
         const QSizeF size = roundedUp(appearance.size);
         const fz_rect box = {0, 0, static_cast<float>(size.width()), static_cast<float>(size.height())};
@@ -117,6 +122,7 @@ FieldAppearance composeValue(const FieldRecord& record, const EncodedFont& font)
     FieldAppearance result;
     result.size = sizeOf(record.field);
     result.rotation = record.field.rotation;
+    result.backgroundOpacity = record.frame.backgroundOpacity;
     FieldLayout layout = layOut(record, result.size, font);
     const auto canShow = [&](const TextAt& line) { return font.canShow(line.text); };
     const bool isEncoded =

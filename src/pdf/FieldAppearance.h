@@ -25,6 +25,9 @@ struct FieldAppearance
     /// A page that the content shows as the object /Text; without a file for none.
     DrawnPage textPage;
 
+    /// Of the graphics state /Background.
+    double backgroundOpacity = 1.0;
+
     bool showsPage() const { return !textPage.file.isEmpty(); }
 };
 

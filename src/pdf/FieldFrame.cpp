@@ -136,10 +136,14 @@ void readFrame(fz_context* ctx, pdf_obj* widget, FieldFrame& frame)
 
 void drawFrame(ContentStream& content, const FieldFrame& frame, QSizeF size, int cells)
 {
-    content.add({}, "q");
     const QRectF whole(QPointF(), size);
+    content.add({}, "q");
+    if (frame.backgroundOpacity < 1.0)
+        content.addRaw("/Background gs");
     if (setColour(content, frame.backgroundColour, false))
         content.addRectangle(whole, "f");
+    content.add({}, "Q");
+    content.add({}, "q");
     if (frame.hasBorder()) {
         if (frame.style == FieldFrame::Style::beveled)
             drawEdges(content, frame.width, size, beveledEdges);

@@ -23,6 +23,8 @@ struct FieldFrame
     /// 0, 1, 3 or 4 components.
     std::vector<double> borderColour;
     std::vector<double> backgroundColour;
+    /// Of the background alone; 1 hides what is behind it.
+    double backgroundOpacity = 1.0;
 
     bool hasBorder() const { return !borderColour.empty() && width > 0.0; }
     /// How many times its width the border takes at an edge.
@@ -32,7 +34,8 @@ struct FieldFrame
 /// May throw as MuPDF does.
 void readFrame(fz_context* ctx, pdf_obj* widget, FieldFrame& frame);
 
-/// Draws the frame of a field of this size; `cells` of more than 1 are parted by lines like the border.
+/// Draws the frame of a field of this size; `cells` of more than 1 are parted by lines like the border. A
+/// background that is not opaque is drawn in the graphics state /Background.
 void drawFrame(ContentStream& content, const FieldFrame& frame, QSizeF size, int cells);
 
 /// The same for a round button.

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/FieldGroup.h"
 
+#include "pdf/Engine.h"
 #include "pdf/FieldTree.h"
 #include "pdf/Handles.h"
 #include "pdf/Limits.h"
-
-#include <algorithm>
 
 // Where MuPDF is called, nothing is made that would have to be destroyed: its errors skip destructors.
 namespace pdf::fields {
@@ -51,18 +50,13 @@ bool FieldGroup::leadsToWanted() const
            (m_wantedName.startsWith(m_name) && m_wantedName[m_name.size()] == QLatin1Char('.'));
 }
 
-bool FieldGroup::contains(fz_context* ctx, pdf_obj* widget) const
-{
-    const pdf_obj* resolved = pdf_resolve_indirect(ctx, widget);
-    return std::any_of(m_members.begin(), m_members.end(), [&](const Member& member) {
-        return pdf_resolve_indirect(ctx, member.widget.get()) == resolved;
-    });
-}
-
 void FieldGroup::addWidget(fz_context* ctx, pdf_obj* widget)
 {
-    // A form names each of its nodes once, so only where nodes are reached in two ways they are compared.
-    if (!m_takesAll && contains(ctx, widget))
+    // A form should name each of its nodes once, but the widget that is asked for is reached in two ways.
+    const pdf_obj* resolved = pdf_resolve_indirect(ctx, widget);
+    bool isNew = false;
+    engine::guarded(ctx, [&] { isNew = m_widgets.insert(resolved).second; });
+    if (!isNew)
         return;
     m_members.emplace_back();
     Member& member = m_members.back();

@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <unordered_set>
 #include <vector>
 
 namespace pdf::fields {
@@ -39,13 +40,14 @@ public:
 private:
     bool goOn();
     bool leadsToWanted() const;
-    bool contains(fz_context* ctx, pdf_obj* widget) const;
     void addWidget(fz_context* ctx, pdf_obj* widget);
     void addWidgetsOf(fz_context* ctx, pdf_obj* node, int depth);
     void addFieldsIn(fz_context* ctx, pdf_obj* nodes, int depth);
 
     DocumentHandle& m_document;
     std::vector<Member> m_members;
+    /// Their widgets, resolved.
+    std::unordered_set<const pdf_obj*> m_widgets;
     bool m_takesAll = false;
     QString m_wantedName;
     FormFieldKind m_wantedKind = FormFieldKind::text;

@@ -147,6 +147,27 @@ void readTabOrder(fz_context* ctx, pdf_document* document, pdf_obj* page, PageRe
     record.isRightToLeft = std::strcmp(pdf_to_name(ctx, direction), "R2L") == 0;
 }
 
+/// The places of the page's form fields among its annotations, which are walked over only where the page may
+/// have others than before: of thousands, a few may be fields, and they are read whenever one has moved.
+const std::vector<int>&
+widgetPlaces(fz_context* ctx, DocumentHandle& document, pdf_obj* annotations, int pageIndex)
+{
+    DocumentHandle::WidgetPlaces* known = nullptr;
+    engine::guarded(ctx, [&] { known = &document.widgetPlaces[pageIndex]; });
+    if (known->stamp && document.annotationLog.areListsCurrent(*known->stamp))
+        return known->places;
+    known->stamp.reset();
+    known->places.clear();
+    const int count = std::min(pdf_array_len(ctx, annotations), limits::fieldsAtATime);
+    for (int i = 0; i < count; ++i) {
+        pdf_obj* widget = pdf_array_get(ctx, annotations, i);
+        if (pdf_name_eq(ctx, pdf_dict_get(ctx, widget, PDF_NAME(Subtype)), PDF_NAME(Widget)))
+            engine::guarded(ctx, [&] { known->places.push_back(i); });
+    }
+    known->stamp = document.annotationLog.now();
+    return known->places;
+}
+
 bool readWidget(fz_context* ctx, DocumentHandle& document, pdf_obj* widget, FieldRecord& record)
 {
     PDFFormField& field = record.field;
@@ -208,13 +229,11 @@ bool readField(fz_context* ctx, DocumentHandle& document, pdf_obj* widget, Field
 void readPage(fz_context* ctx, DocumentHandle& document, pdf_obj* page, int index, PageRecord& record)
 {
     pdf_obj* annotations = pdf_dict_get(ctx, page, PDF_NAME(Annots));
-    const int count = std::min(pdf_array_len(ctx, annotations), limits::fieldsAtATime);
-    const bool canFill = count > 0 && allowsFilling(ctx, document);
+    const std::vector<int>& places = widgetPlaces(ctx, document, annotations, index);
+    const bool canFill = !places.empty() && allowsFilling(ctx, document);
     readTabOrder(ctx, document.document, page, record);
-    for (int i = 0; i < count; ++i) {
+    for (const int i : places) {
         pdf_obj* widget = pdf_array_get(ctx, annotations, i);
-        if (!pdf_name_eq(ctx, pdf_dict_get(ctx, widget, PDF_NAME(Subtype)), PDF_NAME(Widget)))
-            continue;
         record.fields.emplace_back();
         if (!readField(ctx, document, widget, record.fields.back())) {
             record.fields.pop_back();

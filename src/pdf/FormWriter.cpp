@@ -2,11 +2,9 @@
 #include "pdf/FormWriter.h"
 
 #include "pdf/Engine.h"
-#include "pdf/FieldAppearance.h"
 #include "pdf/FieldTree.h"
 #include "pdf/Handles.h"
 #include "pdf/Limits.h"
-#include "pdf/ToUnicode.h"
 
 #include <algorithm>
 #include <utility>
@@ -42,6 +40,18 @@ bool isButton(const PDFFormField& field)
 bool hasSameValue(const PDFFormField& a, const PDFFormField& b)
 {
     return a.text == b.text && a.isOn == b.isOn && a.selection == b.selection;
+}
+
+/// Remembers the widget, its field and the nodes in between.
+void rememberUpTo(fz_context* ctx, AnnotationChange& change, pdf_obj* widget, pdf_obj* field)
+{
+    pdf_obj* node = widget;
+    for (int depth = 0; depth < limits::fieldTreeDepth && node; ++depth) {
+        change.remember(ctx, node);
+        if (pdf_resolve_indirect(ctx, node) == pdf_resolve_indirect(ctx, field))
+            return;
+        node = pdf_dict_get(ctx, node, PDF_NAME(Parent));
+    }
 }
 
 /// Removes the field's value from the widget and the nodes in between, where it would hide that of the field.
@@ -97,17 +107,6 @@ std::vector<QByteArray> valuesOf(const PDFFormField& field)
     return values;
 }
 
-/// The appearance of the state, or null; where it has no box, nothing of it is seen.
-pdf_obj* stateAppearance(fz_context* ctx, pdf_obj* widget, const char* state)
-{
-    pdf_obj* normal = pdf_dict_get(ctx, pdf_dict_get(ctx, widget, PDF_NAME(AP)), PDF_NAME(N));
-    if (pdf_is_stream(ctx, normal))
-        return nullptr;
-    pdf_obj* appearance = pdf_dict_gets(ctx, normal, state);
-    const bool hasBox = pdf_array_len(ctx, pdf_dict_get(ctx, appearance, PDF_NAME(BBox))) == 4;
-    return hasBox && pdf_is_stream(ctx, appearance) ? appearance : nullptr;
-}
-
 /// The zero-based index of the page in the engine's own counting, or -1.
 int pageIndex(fz_context* ctx, DocumentHandle& document, pdf_obj* page)
 {
@@ -133,15 +132,35 @@ int pageIndex(fz_context* ctx, DocumentHandle& document, pdf_obj* page)
 FormWriter::FormWriter(DocumentHandle& document, CookieScope& scope)
     : m_document(document)
     , m_scope(scope)
+    , m_painter(document, scope)
     , m_group(document)
 {}
 
 Result<std::vector<int>> FormWriter::set(const FormWidget& widget, const FormValue& value)
 {
-    m_widget = widget;
-    if (auto error = find(widget))
+    pdf_obj* object = nullptr;
+    if (auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
+            pdf_obj* page = m_document.pages.find(ctx, widget.page);
+            object = page ? findWidget(ctx, page, widget) : nullptr;
+        }))
         return *error;
+    return set(object, widget.page, value);
+}
+
+Result<std::vector<int>> FormWriter::set(pdf_obj* widget, int page, const FormValue& value)
+{
+    m_page = page;
+    bool canFill = false;
+    if (auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
+            canFill = fields::allowsFilling(ctx, m_document);
+            if (widget)
+                m_group.collectAround(ctx, widget);
+        }))
+        return *error;
+    if (m_group.members().empty())
+        return PDFError{PDFError::Code::refused, QStringLiteral("there is no such field any more")};
     PDFFormField& field = m_group.members().front().record.field;
+    field.isReadOnly |= !canFill;
     const PDFFormField before = field;
     if (auto refusal = takeValue(field, value))
         return *refusal;
@@ -154,24 +173,6 @@ Result<std::vector<int>> FormWriter::set(const FormWidget& widget, const FormVal
     if (auto error = write())
         return *error;
     return std::exchange(m_pages, {});
-}
-
-std::optional<PDFError> FormWriter::find(const FormWidget& widget)
-{
-    bool canFill = false;
-    auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
-        pdf_obj* page = m_document.pages.find(ctx, widget.page);
-        pdf_obj* object = page ? findWidget(ctx, page, widget) : nullptr;
-        canFill = fields::allowsFilling(ctx, m_document);
-        if (object)
-            m_group.collectAround(ctx, object);
-    });
-    if (error)
-        return error;
-    if (m_group.members().empty())
-        return PDFError{PDFError::Code::refused, QStringLiteral("there is no such field any more")};
-    m_group.members().front().record.field.isReadOnly |= !canFill;
-    return std::nullopt;
 }
 
 void FormWriter::spreadValue()
@@ -200,15 +201,34 @@ void FormWriter::spreadState()
 
 std::optional<PDFError> FormWriter::write()
 {
+    m_document.noteChange();
+    AnnotationChange change(m_document);
+    auto error = writeValues(change);
+    for (FieldGroup::Member& member : m_group.members()) {
+        if (!error)
+            error = m_painter.paint(change, member.widget.get(), member.record);
+    }
+    if (error)
+        return error;
+    change.commit();
+    for (const FieldGroup::Member& member : m_group.members())
+        m_document.annotations.rereadValue(m_scope, member.widget.get());
+    renewAll();
+    return std::nullopt;
+}
+
+std::optional<PDFError> FormWriter::writeValues(AnnotationChange& change)
+{
     const PDFFormField& set = m_group.members().front().record.field;
     const std::vector<QByteArray> values = valuesOf(set);
     const QByteArray state = set.isOn ? set.onState : QByteArray("Off");
-    bool needsAppearances = false;
-    m_document.noteChange();
-    auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
-        needsAppearances = fields::needsAppearances(ctx, m_document.document);
+    return engine::attempt(m_scope, [&](fz_context* ctx) {
+        pdf_obj* root = pdf_dict_get(ctx, pdf_trailer(ctx, m_document.document), PDF_NAME(Root));
+        change.remember(ctx, root);
+        change.remember(ctx, fields::form(ctx, m_document.document));
         for (const FieldGroup::Member& member : m_group.members()) {
             pdf_obj* field = member.field.get();
+            rememberUpTo(ctx, change, member.widget.get(), field);
             fields::prepareForChange(ctx, m_document.document, field);
             removeValuesBelow(ctx, member.widget.get(), field);
             // The same value with fonts and colours, which is not kept up.
@@ -222,106 +242,40 @@ std::optional<PDFError> FormWriter::write()
         }
         collectPages(ctx);
     });
-    for (FieldGroup::Member& member : m_group.members()) {
-        if (!error)
-            error = writeAppearances(member);
-    }
-    if (!error && needsAppearances)
-        error = renewAll();
-    return error;
 }
 
-std::optional<PDFError> FormWriter::writeAppearances(FieldGroup::Member& member)
-{
-    return isButton(member.record.field) ? writeButtonAppearances(member) : writeValueAppearance(member);
-}
-
-std::optional<PDFError> FormWriter::writeValueAppearance(FieldGroup::Member& member)
-{
-    if (member.record.style.font.isEmpty())
-        member.record.style.font = defaultFontName;
-    const char* fontName = member.record.style.font.constData();
-    pdf_obj* widget = member.widget.get();
-    EncodedFont::Table table;
-    auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
-        fields::ensureSharedFont(ctx, m_document.document, widget, fontName);
-        readFontTable(
-            ctx, m_document.document, fields::sharedFont(ctx, m_document.document, widget, fontName), table);
-    });
-    if (error && error->code != PDFError::Code::damaged)
-        return error;
-    const FieldAppearance appearance = composeValue(member.record, EncodedFont(table));
-    error = engine::attempt(m_scope, [&](fz_context* ctx) {
-        pdf_obj* stream = makeAppearance(ctx, m_document.document, widget, appearance);
-        fz_try(ctx)
-        {
-            pdf_obj* appearances = pdf_dict_put_dict(ctx, widget, PDF_NAME(AP), 1);
-            pdf_dict_put(ctx, appearances, PDF_NAME(N), stream);
-            pdf_dict_del(ctx, widget, PDF_NAME(AS));
-        }
-        fz_always(ctx)
-        {
-            pdf_drop_obj(ctx, stream);
-        }
-        fz_catch(ctx)
-        {
-            fz_rethrow(ctx);
-        }
-    });
-    if (!error && appearance.showsPage())
-        error = writeToUnicode(m_scope, m_document.document, widget, textPagePath, appearance.textPage.text);
-    return error;
-}
-
-std::optional<PDFError> FormWriter::writeButtonAppearances(FieldGroup::Member& member)
-{
-    const PDFFormField& field = member.record.field;
-    pdf_obj* widget = member.widget.get();
-    const QByteArray state = field.isOn ? field.onState : QByteArray("Off");
-    bool isMissing = false;
-    auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
-        pdf_dict_put_name(ctx, widget, PDF_NAME(AS), state.constData());
-        isMissing = !stateAppearance(ctx, widget, field.onState.constData());
-        if (isMissing)
-            fields::ensureSharedFont(ctx, m_document.document, widget, symbolFontName);
-    });
-    if (error || !isMissing)
-        return error;
-    const FieldAppearance on = composeButton(member.record, true);
-    const FieldAppearance off = composeButton(member.record, false);
-    return engine::attempt(m_scope, [&](fz_context* ctx) {
-        pdf_obj* appearances = pdf_dict_put_dict(ctx, widget, PDF_NAME(AP), 1);
-        pdf_obj* normal = pdf_dict_put_dict(ctx, appearances, PDF_NAME(N), 2);
-        pdf_dict_puts_drop(
-            ctx, normal, field.onState.constData(), makeAppearance(ctx, m_document.document, widget, on));
-        pdf_dict_puts_drop(ctx, normal, "Off", makeAppearance(ctx, m_document.document, widget, off));
-    });
-}
-
-std::optional<PDFError> FormWriter::renewAll()
+/// Draws the other fields of a form whose appearances viewers are to make. Where that fails, they still are.
+void FormWriter::renewAll()
 {
     FieldGroup all(m_document);
     bool isWhole = false;
-    auto error = engine::attempt(
-        m_scope, [&](fz_context* ctx) { isWhole = all.collectAll(ctx, limits::renewedFields); });
+    auto error = engine::attempt(m_scope, [&](fz_context* ctx) {
+        if (fields::needsAppearances(ctx, m_document.document))
+            isWhole = all.collectAll(ctx, limits::renewedFields);
+    });
     for (FieldGroup::Member& member : all.members()) {
         const FormFieldKind kind = member.record.field.kind;
         const bool hasValue =
             kind == FormFieldKind::text || kind == FormFieldKind::comboBox || kind == FormFieldKind::listBox;
-        if (!error && isWhole && hasValue)
-            error = writeValueAppearance(member);
+        if (error || !isWhole || !hasValue)
+            continue;
+        AnnotationChange change(m_document);
+        error = m_painter.paint(change, member.widget.get(), member.record);
+        if (!error)
+            change.commit();
     }
     if (error || !isWhole)
-        return error;
-    return engine::attempt(m_scope, [&](fz_context* ctx) {
+        return;
+    static_cast<void>(engine::attempt(m_scope, [&](fz_context* ctx) {
         pdf_dict_dels(ctx, fields::form(ctx, m_document.document), "NeedAppearances");
-    });
+    }));
+    m_document.annotationLog.noteAll();
 }
 
 void FormWriter::collectPages(fz_context* ctx)
 {
-    pdf_obj* ownPage = m_document.pages.find(ctx, m_widget.page);
-    m_pages.push_back(m_widget.page);
+    pdf_obj* ownPage = m_document.pages.find(ctx, m_page);
+    m_pages.push_back(m_page);
     for (const FieldGroup::Member& member : m_group.members()) {
         pdf_obj* page = pdf_dict_get(ctx, member.widget.get(), PDF_NAME(P));
         if (!pdf_is_dict(ctx, page) || pdf_to_num(ctx, page) == pdf_to_num(ctx, ownPage))

@@ -47,12 +47,14 @@ int normalisedRotation(double degrees)
 
 DocumentHandle::DocumentHandle()
     : annotations(*this)
+    , annotationLists(*this)
 {}
 
 DocumentHandle::~DocumentHandle()
 {
     fz_context* ctx = engine::context();
-    annotations.clear(ctx);
+    annotations.clear();
+    annotationLists.clear();
     pages.clear(ctx);
     pdf_drop_document(ctx, document);
 }
@@ -148,11 +150,6 @@ pdf_page* PageHandle::loadContents(fz_context* ctx)
         fz_rethrow(ctx);
     }
     return page;
-}
-
-DisplayListHandle::~DisplayListHandle()
-{
-    fz_drop_display_list(engine::context(), list);
 }
 
 } // namespace pdf

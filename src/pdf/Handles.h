@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/AnnotationLog.h"
+#include "pdf/AnnotationRecorder.h"
 #include "pdf/AnnotationStore.h"
 #include "pdf/PDFPage.h"
 #include "pdf/PageTree.h"
@@ -17,6 +19,7 @@
 #include <mutex>
 #include <optional>
 #include <unordered_map>
+#include <vector>
 
 // What the engine's public classes hold of MuPDF.
 namespace pdf {
@@ -51,6 +54,18 @@ public:
     /// The number of pages once they can be read; never waits for an operation that holds the mutex.
     std::atomic<int> pageCount = 0;
     AnnotationStore annotations;
+    AnnotationLog annotationLog;
+    AnnotationRecorder annotationLists;
+    /// Where among the annotations of a page its form fields are, by its index.
+    struct WidgetPlaces
+    {
+        /// When they were looked for; absent where they are not known.
+        std::optional<AnnotationLog::Stamp> stamp;
+        std::vector<int> places;
+    };
+    std::unordered_map<int, WidgetPlaces> widgetPlaces;
+    /// The appearances that were made here, by the numbers of the annotations that have them.
+    std::unordered_map<int, annotations::ObjectRange> appearances;
     /// Counts the changes made to the document since it was opened; see noteChange().
     std::atomic<std::uint64_t> changes = 0;
     /// The changes that the document's own file has.
@@ -108,18 +123,6 @@ public:
 private:
     mutable std::mutex m_geometryMutex;
     PageGeometry m_geometry;
-};
-
-class DisplayListHandle
-{
-public:
-    DisplayListHandle() = default;
-    ~DisplayListHandle();
-    DisplayListHandle(const DisplayListHandle&) = delete;
-    DisplayListHandle& operator=(const DisplayListHandle&) = delete;
-
-    fz_display_list* list = nullptr;
-    QSizeF displaySize;
 };
 
 } // namespace pdf

@@ -13,7 +13,6 @@ namespace pdf {
 namespace {
 
 constexpr double stampFrame = 1.5;
-constexpr double fieldMargin = 2.0;
 
 QString nameOf(PDFAnnotation::Subtype subtype)
 {
@@ -210,7 +209,7 @@ bool PDFAnnotation::isReadOnly() const
 
 void PDFAnnotation::setReadOnly(bool isReadOnly)
 {
-    set(&Properties::isReadOnly, isReadOnly);
+    set(&Properties::isReadOnly, isReadOnly, &Changes::isReadOnly);
 }
 
 void PDFAnnotation::setValue(int value, PDFAnnotationKey key)
@@ -242,18 +241,13 @@ void PDFAnnotation::draw(QPainter& painter, const QSizeF& size) const
         painter.fillRect(area, properties.color);
         drawLines(painter, area, properties.alignment, properties.contents.split(u'\n'));
         break;
-    case Subtype::widget:
-        painter.fillRect(area, properties.backgroundColor);
-        painter.setClipRect(area);
-        drawLines(
-            painter, area.adjusted(fieldMargin, 0, -fieldMargin, 0), properties.alignment,
-            {QString(properties.widgetStringValue).replace(u'\n', u' ')});
-        break;
     case Subtype::stamp:
-    case Subtype::other:
         painter.setPen(QPen(properties.fontColor, stampFrame));
         painter.drawRect(area.adjusted(stampFrame, stampFrame, -stampFrame, -stampFrame));
         drawLines(painter, area, Qt::AlignHCenter, properties.contents.split(u'\n'));
+        break;
+    case Subtype::widget:
+    case Subtype::other:
         break;
     }
 }

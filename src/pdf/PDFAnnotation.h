@@ -33,7 +33,8 @@ enum class PDFAnnotationKey {
 /// display list, the next reading of the page and the next write.
 ///
 /// An annotation that was made here always gets an appearance stream that shows what draw() draws, so it
-/// looks alike everywhere. One from the file keeps the appearance that it has, fitted to its bounds.
+/// looks alike everywhere. One from the file keeps the appearance that it has, fitted to its bounds. What a
+/// form field shows is made from what it holds, and anew whenever its size, its look or its value changes.
 class PDFAnnotation : public std::enable_shared_from_this<PDFAnnotation>
 {
 public:
@@ -67,7 +68,9 @@ public:
     void setContents(const QString& contents);
 
     // What a free text or a form field that was made here looks like. Font sizes are points of the page,
-    // whatever the screen's resolution. One from the file has the defaults here.
+    // whatever the screen's resolution. One from the file has the defaults here. A form field is shown in
+    // Helvetica or, for a font of fixed pitch, in Courier, because these are what it is filled in with
+    // everywhere; where they lack a character, the system's font takes their place.
 
     QFont font() const;
     void setFont(const QFont& font);
@@ -82,6 +85,8 @@ public:
 
     // Form fields.
 
+    /// What the field holds, also after it was filled in by PDFDocument::setFormValue(). A field from the
+    /// file takes a new value as that does; one that it refuses is dropped when the document hears of it.
     QString widgetStringValue() const;
     void setWidgetStringValue(const QString& value);
     /// Transparent unless it is set.
@@ -96,9 +101,9 @@ public:
     static QSizeF textSize(const QString& text, const QFont& font);
 
 protected:
-    /// Draws the annotation in a rectangle of the given size in points, upper left corner at the origin, y
-    /// growing downwards. May be called on any thread and with the document locked, so it must not call the
-    /// document, its pages or a setter. Images keep their transparency. Needs a QGuiApplication.
+    /// Draws a free text or a stamp in a rectangle of the given size in points, upper left corner at the
+    /// origin, y growing downwards. May be called on any thread and with the document locked, so it must not
+    /// call the document, its pages or a setter. Images keep their transparency. Needs a QGuiApplication.
     virtual void draw(QPainter& painter, const QSizeF& size) const;
 
 private:
@@ -128,6 +133,7 @@ private:
         bool bounds = false;
         bool look = false;
         bool value = false;
+        bool isReadOnly = false;
     };
 
     template <typename Value>

@@ -3,10 +3,12 @@
 
 #include "pdf/DrawLimits.h"
 #include "pdf/Engine.h"
-#include "pdf/Handles.h"
+#include "pdf/RecordedList.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <span>
 #include <utility>
 
 namespace pdf {
@@ -26,7 +28,7 @@ struct Target
 };
 
 /// May throw as MuPDF does.
-void drawList(fz_context* ctx, fz_display_list* list, const Target& target, fz_cookie* cookie)
+void drawLists(fz_context* ctx, const DisplayListHandle& handle, const Target& target, fz_cookie* cookie)
 {
     fz_pixmap* pixmap = fz_new_pixmap_with_data(
         ctx, fz_device_bgr(ctx), target.width, target.height, nullptr, 1, target.stride, target.pixels);
@@ -39,7 +41,20 @@ void drawList(fz_context* ctx, fz_display_list* list, const Target& target, fz_c
         device = fz_new_draw_device(ctx, fz_identity, pixmap);
         const fz_rect area = fz_rect_from_irect(fz_pixmap_bbox(ctx, pixmap));
         limitDrawing(device, area);
-        fz_run_display_list(ctx, list, device, fz_scale(target.scale, target.scale), area, cookie);
+        const fz_matrix scaling = fz_scale(target.scale, target.scale);
+        // What is thinner than a pixel still colours the ones beside it.
+        const auto isTouched = [&](const fz_rect& place) {
+            const fz_rect reach = fz_expand_rect(fz_transform_rect(place, scaling), 1);
+            return !fz_is_empty_rect(fz_intersect_rect(reach, area));
+        };
+        for (const auto& group : handle.groups) {
+            if (!isTouched(group->area))
+                continue;
+            for (const ListGroup::Part& part : group->parts) {
+                if (isTouched(part.area))
+                    fz_run_display_list(ctx, part.list->list(), device, scaling, area, cookie);
+            }
+        }
         fz_close_device(ctx, device);
     }
     fz_always(ctx)
@@ -53,6 +68,46 @@ void drawList(fz_context* ctx, fz_display_list* list, const Target& target, fz_c
     }
 }
 
+using Groups = std::span<const std::shared_ptr<const ListGroup>>;
+using Lists = std::vector<const RecordedList*>;
+
+// More are put together in one.
+constexpr std::size_t mostPlaces = 8;
+
+/// Takes away what both begin with and end with.
+template <typename Element>
+void dropAlike(std::span<Element>& a, std::span<Element>& b)
+{
+    const auto start = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    const auto count = static_cast<std::size_t>(start.first - a.begin());
+    a = a.subspan(count);
+    b = b.subspan(count);
+    const auto end = std::mismatch(a.rbegin(), a.rend(), b.rbegin(), b.rend());
+    const auto endCount = static_cast<std::size_t>(end.first - a.rbegin());
+    a = a.first(a.size() - endCount);
+    b = b.first(b.size() - endCount);
+}
+
+Lists listsOf(Groups groups)
+{
+    Lists lists;
+    for (const auto& group : groups) {
+        for (const ListGroup::Part& part : group->parts)
+            lists.push_back(part.list.get());
+    }
+    return lists;
+}
+
+void addPlace(std::vector<QRectF>& places, const RecordedList& list)
+{
+    const fz_rect area = list.area();
+    const QRectF place(QPointF(area.x0, area.y0), QPointF(area.x1, area.y1));
+    if (places.size() < mostPlaces)
+        places.push_back(place);
+    else
+        places.back() |= place;
+}
+
 } // namespace
 
 PDFDisplayList::PDFDisplayList(std::shared_ptr<const DisplayListHandle> handle)
@@ -62,6 +117,37 @@ PDFDisplayList::PDFDisplayList(std::shared_ptr<const DisplayListHandle> handle)
 QSizeF PDFDisplayList::displaySize() const
 {
     return m_handle->displaySize;
+}
+
+bool PDFDisplayList::isEmpty() const
+{
+    return m_handle->groups.empty();
+}
+
+std::vector<QRectF> PDFDisplayList::difference(const PDFDisplayList& other) const
+{
+    if (displaySize() != other.displaySize())
+        return {QRectF(QPointF(), displaySize())};
+    Groups groups(m_handle->groups);
+    Groups otherGroups(other.m_handle->groups);
+    dropAlike(groups, otherGroups);
+    const Lists lists = listsOf(groups);
+    const Lists otherLists = listsOf(otherGroups);
+    std::span<const RecordedList* const> rest(lists);
+    std::span<const RecordedList* const> otherRest(otherLists);
+    dropAlike(rest, otherRest);
+    // Where as many stand between what is alike, what has the same place in the order is compared.
+    const bool isInStep = rest.size() == otherRest.size();
+    std::vector<QRectF> places;
+    for (std::size_t i = 0; i < std::max(rest.size(), otherRest.size()); ++i) {
+        if (isInStep && rest[i] == otherRest[i])
+            continue;
+        if (i < rest.size())
+            addPlace(places, *rest[i]);
+        if (i < otherRest.size())
+            addPlace(places, *otherRest[i]);
+    }
+    return places;
 }
 
 Result<std::monostate>
@@ -75,7 +161,7 @@ PDFDisplayList::draw(QImage& image, QPoint origin, double scale, const Cancellat
                            origin,         static_cast<float>(scale)};
     CookieScope scope(cancellation);
     if (auto error = engine::attempt(
-            scope, [&](fz_context* ctx) { drawList(ctx, m_handle->list, target, scope.cookie()); }))
+            scope, [&](fz_context* ctx) { drawLists(ctx, *m_handle, target, scope.cookie()); }))
         return *error;
     return std::monostate();
 }

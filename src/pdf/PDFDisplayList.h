@@ -6,13 +6,15 @@
 
 #include <QImage>
 #include <QRect>
+#include <QRectF>
 #include <QSizeF>
 
 #include <memory>
+#include <vector>
 
 namespace pdf {
 
-class DisplayListHandle;
+struct DisplayListHandle;
 
 /// The drawing operations of a page, recorded once. Immutable and cheap to copy; any number of threads may
 /// rasterise it at the same time without the document's lock.
@@ -21,6 +23,14 @@ class PDFDisplayList
 public:
     /// Size of the page in display space (points).
     QSizeF displaySize() const;
+
+    /// True where nothing is drawn at all.
+    bool isEmpty() const;
+
+    /// The places in display space, few and perhaps too large, outside of which this list draws what the
+    /// other one does. Both are of the same page. Takes time in proportion to their lengths, which is nothing
+    /// beside drawing them.
+    std::vector<QRectF> difference(const PDFDisplayList& other) const;
 
     /// Draws a part of the page over what the image holds. `scale` is pixels per point; the image's upper
     /// left pixel is the pixel `origin` of the whole page drawn at that scale, so neighbouring tiles fit

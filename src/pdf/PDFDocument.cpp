@@ -23,6 +23,7 @@ bool isTrue(DocumentHandle& handle, bool (*question)(fz_context* ctx, pdf_docume
         return false;
     bool answer = false;
     CookieScope scope{Cancellation()};
+    static_cast<void>(handle.annotations.flush(scope));
     const auto error =
         engine::attempt(scope, [&](fz_context* ctx) { answer = question(ctx, handle.document); });
     return !error && answer;
@@ -217,6 +218,8 @@ Result<std::vector<int>> PDFDocument::setFormValue(const FormWidget& widget, con
     if (m_handle->isLocked)
         return PDFError{PDFError::Code::passwordRequired, QStringLiteral("the document is locked")};
     CookieScope scope{Cancellation()};
+    // The field may have come only just now.
+    static_cast<void>(m_handle->annotations.flush(scope));
     return FormWriter(*m_handle, scope).set(widget, value);
 }
 

@@ -144,8 +144,9 @@ public:
         const PrintProgress& progress = {});
 
     /// Gives the form field that the widget belongs to a new value, as takeValue() allows, in all places
-    /// where it is shown, and draws its appearances. Gives the pages whose annotations look different now;
-    /// none when the field has that value already. No script of the document is run.
+    /// where it is shown, and draws its appearances; a failure leaves both as they were. Gives the pages
+    /// whose annotations look different now; none when the field has that value already. No script of the
+    /// document is run.
     Result<std::vector<int>> setFormValue(const FormWidget& widget, const FormValue& value);
 
 private:

@@ -27,91 +27,9 @@ QTransform transformOf(const fz_matrix& matrix)
     return {matrix.a, matrix.b, matrix.c, matrix.d, matrix.e, matrix.f};
 }
 
-using RunFunction = void (*)(fz_context* ctx, pdf_page* page, fz_device* device, fz_cookie* cookie);
-
-void runContents(fz_context* ctx, pdf_page* page, fz_device* device, fz_cookie* cookie)
+void runContents(fz_context* ctx, void* page, fz_device* device, fz_cookie* cookie)
 {
-    pdf_run_page_contents(ctx, page, device, fz_identity, cookie);
-}
-
-void runAnnotations(fz_context* ctx, pdf_page* page, fz_device* device, fz_cookie* cookie)
-{
-    pdf_run_page_annots(ctx, page, device, fz_identity, cookie);
-    pdf_run_page_widgets(ctx, page, device, fz_identity, cookie);
-}
-
-/// Ends the groups and clips that damaged content has left open, so that what is in them is shown.
-void closeContainers(fz_context* ctx, fz_device* device)
-{
-    while (device->container_len > 0) {
-        switch (device->container[device->container_len - 1].type) {
-        case fz_device_container_stack_is_mask:
-            fz_end_mask(ctx, device);
-            break;
-        case fz_device_container_stack_is_group:
-            fz_end_group(ctx, device);
-            break;
-        case fz_device_container_stack_is_tile:
-            fz_end_tile(ctx, device);
-            break;
-        default:
-            fz_pop_clip(ctx, device);
-        }
-    }
-}
-
-/// Runs the page, up to where it is damaged. May throw as MuPDF does.
-void runUndamaged(fz_context* ctx, pdf_page* page, RunFunction run, fz_device* device, fz_cookie* cookie)
-{
-    fz_try(ctx)
-    {
-        run(ctx, page, device, cookie);
-    }
-    fz_catch(ctx)
-    {
-        engine::rethrowUnlessDamage(ctx);
-    }
-    closeContainers(ctx, device);
-}
-
-/// Records what `run` draws. May throw as MuPDF does.
-fz_display_list* record(fz_context* ctx, PageHandle& handle, RunFunction run, fz_cookie* cookie)
-{
-    pdf_page* page = handle.loadContents(ctx);
-    fz_display_list* list = fz_new_display_list(ctx, handle.geometry().displayRect);
-    fz_device* device = nullptr;
-    fz_var(device);
-    fz_try(ctx)
-    {
-        device = fz_new_list_device(ctx, list);
-        runUndamaged(ctx, page, run, device, cookie);
-        fz_close_device(ctx, device);
-    }
-    fz_always(ctx)
-    {
-        fz_drop_device(ctx, device);
-    }
-    fz_catch(ctx)
-    {
-        fz_drop_display_list(ctx, list);
-        fz_rethrow(ctx);
-    }
-    return list;
-}
-
-Result<std::shared_ptr<DisplayListHandle>>
-recordList(PageHandle& handle, RunFunction run, const Cancellation& cancellation)
-{
-    auto list = std::make_shared<DisplayListHandle>();
-    const std::lock_guard lock(handle.document.mutex);
-    list->displaySize = sizeOf(handle.geometry().displayRect);
-    CookieScope scope(cancellation);
-    // What could not be written waits for the next attempt; the rest is shown all the same.
-    static_cast<void>(handle.document.annotations.flush(scope));
-    if (auto error = engine::attempt(
-            scope, [&](fz_context* ctx) { list->list = record(ctx, handle, run, scope.cookie()); }))
-        return *error;
-    return list;
+    pdf_run_page_contents(ctx, static_cast<pdf_page*>(page), device, fz_identity, cookie);
 }
 
 } // namespace
@@ -160,6 +78,7 @@ Result<std::monostate> PDFPage::setRotation(int degrees)
     }
     CookieScope scope{Cancellation()};
     document.noteChange();
+    document.annotationLog.noteAll();
     const auto error = engine::attempt(scope, [&](fz_context* ctx) {
         pdf_dict_put_int(ctx, m_handle->object, PDF_NAME(Rotate), rotation);
         m_handle->loadGeometry(ctx);
@@ -252,6 +171,7 @@ std::vector<PDFLink> PDFPage::links(const Cancellation& cancellation)
     std::vector<PDFLink> links;
     const std::lock_guard lock(m_handle->document.mutex);
     CookieScope scope(cancellation);
+    static_cast<void>(m_handle->document.annotations.flush(scope));
     const auto error = engine::attempt(
         scope, [&](fz_context* ctx) { readLinks(ctx, m_handle->document, *m_handle, links); });
     return error ? std::vector<PDFLink>() : links;
@@ -259,15 +179,29 @@ std::vector<PDFLink> PDFPage::links(const Cancellation& cancellation)
 
 Result<PDFDisplayList> PDFPage::contentDisplayList(const Cancellation& cancellation)
 {
-    auto list = recordList(*m_handle, runContents, cancellation);
-    if (!list)
-        return list.error();
-    return PDFDisplayList(*std::move(list));
+    auto content = std::make_shared<RecordedList>();
+    auto list = std::make_shared<DisplayListHandle>();
+    const std::lock_guard lock(m_handle->document.mutex);
+    const fz_rect rect = m_handle->geometry().displayRect;
+    CookieScope scope(cancellation);
+    if (auto error = engine::attempt(scope, [&](fz_context* ctx) {
+            content->record(ctx, rect, runContents, m_handle->loadContents(ctx), scope.cookie());
+        }))
+        return *error;
+    list->displaySize = sizeOf(rect);
+    auto group = std::make_shared<ListGroup>();
+    group->add(content);
+    list->groups.push_back(std::move(group));
+    return PDFDisplayList(std::move(list));
 }
 
 Result<PDFDisplayList> PDFPage::annotationDisplayList(const Cancellation& cancellation)
 {
-    auto list = recordList(*m_handle, runAnnotations, cancellation);
+    const std::lock_guard lock(m_handle->document.mutex);
+    CookieScope scope(cancellation);
+    // What could not be written waits for the next attempt; the rest is shown all the same.
+    static_cast<void>(m_handle->document.annotations.flush(scope));
+    auto list = m_handle->document.annotationLists.record(*m_handle, scope);
     if (!list)
         return list.error();
     return PDFDisplayList(*std::move(list));
@@ -277,6 +211,7 @@ Result<std::vector<PDFFormField>> PDFPage::formFields(const Cancellation& cancel
 {
     const std::lock_guard lock(m_handle->document.mutex);
     CookieScope scope(cancellation);
+    static_cast<void>(m_handle->document.annotations.flush(scope));
     fields::PageRecord record;
     if (auto error = engine::attempt(scope, [&](fz_context* ctx) {
             fields::readPage(ctx, m_handle->document, m_handle->object, m_handle->index, record);

@@ -48,9 +48,11 @@ FormFiller::FormFiller(PDFView& view)
     connect(&view, &PDFView::annotationsRefreshed, this, &FormFiller::dropAfterimages);
     connect(&view, &PDFView::pageOutdated, this, [this](int page) {
         m_pages.erase(page);
-        m_requested.erase(page);
         dropAfterimages(page);
-        requestPages();
+        if (m_requested.contains(page))
+            m_outdated.insert(page);
+        else
+            requestPages();
     });
 }
 
@@ -61,6 +63,7 @@ void FormFiller::startDocument()
     m_editor.reset();
     m_pages.clear();
     m_requested.clear();
+    m_outdated.clear();
     m_afterimages.clear();
     m_pressed.reset();
     m_valuesUnderWay = 0;
@@ -84,6 +87,10 @@ void FormFiller::takeKind(FormJobs::FormKind kind)
 void FormFiller::takePage(const FormPage& page)
 {
     m_requested.erase(page.page);
+    // What has changed meanwhile is read now, not with each change, or a page that takes long to read would
+    // never be done.
+    if (m_outdated.erase(page.page) > 0)
+        request(page.page);
     // While values are on their way the page was read too early; it is read again when they have arrived.
     if (m_valuesUnderWay > 0 && knownPage(page.page))
         return;
@@ -116,10 +123,15 @@ void FormFiller::requestPages()
     const int last = std::min(m_view.pageCount() - 1, visible.last + pagesAround);
     std::erase_if(m_pages, [&](const auto& entry) { return entry.first < first || entry.first > last; });
     for (int page = first; page <= last; ++page) {
-        if (m_pages.contains(page) || !m_requested.insert(page).second)
-            continue;
-        m_jobs->readPage(page, [this](const FormPage& result) { takePage(result); });
+        if (!m_pages.contains(page) && !m_requested.contains(page))
+            request(page);
     }
+}
+
+void FormFiller::request(int page)
+{
+    m_requested.insert(page);
+    m_jobs->readPage(page, [this](const FormPage& result) { takePage(result); });
 }
 
 void FormFiller::refresh(int page)
@@ -128,8 +140,10 @@ void FormFiller::refresh(int page)
         return;
     // What has been added may be the document's first field.
     m_hasFields = true;
-    m_requested.insert(page);
-    m_jobs->readPage(page, [this](const FormPage& result) { takePage(result); });
+    if (m_requested.contains(page))
+        m_outdated.insert(page);
+    else
+        request(page);
 }
 
 void FormFiller::dropAfterimages(int page)
@@ -143,14 +157,16 @@ void FormFiller::paint(QPainter& painter)
     painter.save();
     painter.setCompositionMode(QPainter::CompositionMode_Multiply);
     const QColor highlight = m_view.palette().color(QPalette::Highlight);
+    const QRectF viewRect = m_view.viewport()->rect();
     const auto visible = m_view.pageViewport().visiblePages();
     for (int page = visible.first; page <= visible.last; ++page) {
         const FormPage* known = knownPage(page);
         if (!known)
             continue;
         for (const PDFFormField& field : known->fields) {
-            if (field.isFillable())
-                painter.fillRect(rectOf(field), TextMarker::tinted(highlight, tint));
+            const QRectF rect = field.isFillable() ? rectOf(field) : QRectF();
+            if (rect.intersects(viewRect))
+                painter.fillRect(rect, TextMarker::tinted(highlight, tint));
         }
     }
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);

@@ -75,6 +75,7 @@ private:
     void takePage(const FormPage& page);
     void follow();
     void requestPages();
+    void request(int page);
     void refresh(int page);
     void dropAfterimages(int page);
 
@@ -105,6 +106,8 @@ private:
     bool m_hasFields = false;
     std::map<int, FormPage> m_pages;
     std::set<int> m_requested;
+    /// Of these, the pages that are to be read once more, since they have changed meanwhile.
+    std::set<int> m_outdated;
     std::unique_ptr<FieldEditor> m_editor;
     std::vector<Afterimage> m_afterimages;
     /// Values that the document does not have yet.

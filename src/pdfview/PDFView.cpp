@@ -160,6 +160,12 @@ void PDFView::take(const TileRenderer::PageSized& result)
 void PDFView::take(const TileRenderer::TileDrawn& result)
 {
     const int page = result.tile.page;
+    if (!result.isCurrent) {
+        // The current one is under way; until then this is closer to it than what there is.
+        if (isInView(result.tile))
+            m_cache.insertOutdated(result.tile, result.image);
+        return;
+    }
     const bool wasOutdated = m_cache.hasOutdated(page);
     m_cache.insert(result.tile, result.image);
     if (wasOutdated && !m_cache.hasOutdated(page))
@@ -301,12 +307,15 @@ void PDFView::refreshPage(int page)
 /// What is on the screen stays until it is replaced.
 void PDFView::outdateTiles(int page)
 {
+    m_cache.outdate(page, [this](const Tile& tile) { return isInView(tile); });
+}
+
+bool PDFView::isInView(const Tile& tile) const
+{
     const QRect view(QPoint(0, 0), m_viewport.size());
-    const QRect rect = m_viewport.pageRect(page);
-    m_cache.outdate(page, [&](const Tile& tile) {
-        return tile.scale == m_viewport.scale() &&
-               tileRect(tile, rect.size()).translated(rect.topLeft()).intersects(view);
-    });
+    const QRect rect = m_viewport.pageRect(tile.page);
+    return tile.scale == m_viewport.scale() &&
+           tileRect(tile, rect.size()).translated(rect.topLeft()).intersects(view);
 }
 
 void PDFView::updateScrollBars()

@@ -230,6 +230,7 @@ private:
     void requestTiles();
     void outdateTiles(int page);
     bool isAtHand(const Tile& tile) const;
+    bool isInView(const Tile& tile) const;
     void moveTo(qint64 x, qint64 y);
     void stopScrolling();
     /// Brings the place that was gone to into view, once it is known where that is.

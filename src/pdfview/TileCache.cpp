@@ -17,6 +17,12 @@ void TileCache::insert(const Tile& tile, QImage image)
     m_images.insert(tile, new QImage(std::move(image)), bytes);
 }
 
+void TileCache::insertOutdated(const Tile& tile, QImage image)
+{
+    insert(tile, std::move(image));
+    m_outdated.insert(tile);
+}
+
 void TileCache::clear()
 {
     m_images.clear();

@@ -23,6 +23,8 @@ public:
 
     /// A picture that alone is larger than the limit is not kept.
     void insert(const Tile& tile, QImage image);
+    /// The same for a picture that shows what is no longer so: it is found, but not contained.
+    void insertOutdated(const Tile& tile, QImage image);
     bool contains(const Tile& tile) const { return m_images.contains(tile) && !m_outdated.contains(tile); }
     /// The picture, which now counts as used, or null. Valid until the next insertion.
     const QImage* find(const Tile& tile) const { return m_images.object(tile); }

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/TileRenderer.h"
 
-#include "pdf/PDFDisplayList.h"
 #include "pdf/PDFDocument.h"
-#include "pdf/PDFPage.h"
+#include "pdfview/PageContent.h"
 #include "pdfview/RenderThreads.h"
+#include "pdfview/TilePicture.h"
 
 #include <QCache>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <list>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -26,69 +28,8 @@ constexpr std::chrono::seconds longestTime(60);
 // Pages whose display lists stay although none of their tiles is wanted.
 constexpr std::size_t keptPages = 6;
 
-// Of pictures without annotations of the pages whose annotations change.
-constexpr qsizetype keptContentBytes = 32 * 1024 * 1024;
-
-/// The drawing operations of a page. Without content when the page cannot be shown.
-struct PageContent
-{
-    int page = 0;
-    QSizeF size;
-    QTransform pageToDisplay;
-    std::optional<PDFDisplayList> content;
-    std::optional<PDFDisplayList> annotations;
-    bool hasCurrentAnnotations = true;
-};
-
-PageContent readPage(PDFDocument& document, int index, const Cancellation& cancellation)
-{
-    PageContent result;
-    result.page = index;
-    const auto page = document.page(index);
-    if (!page)
-        return result;
-    result.size = page->displaySize();
-    result.pageToDisplay = page->pageToDisplay();
-    if (auto list = page->contentDisplayList(cancellation))
-        result.content = std::move(*list);
-    // A page whose annotations are broken is shown without them.
-    if (auto list = page->annotationDisplayList(cancellation))
-        result.annotations = std::move(*list);
-    return result;
-}
-
-PageContent readAnnotations(PDFDocument& document, const PageContent& old, const Cancellation& cancellation)
-{
-    PageContent result = old;
-    result.annotations.reset();
-    result.hasCurrentAnnotations = true;
-    if (const auto page = document.page(old.page)) {
-        if (auto list = page->annotationDisplayList(cancellation))
-            result.annotations = std::move(*list);
-    }
-    return result;
-}
-
-/// Draws the page's content where there is no picture of it yet, and its annotations on top. Null when it
-/// took too long, cost too much or was abandoned.
-QImage drawTile(const PageContent& page, const Tile& tile, QImage& content, const Cancellation& cancellation)
-{
-    const double scale = tile.isWholePage() ? wholePageScale(page.size) : tile.scale;
-    const QRect rect = tileRect(tile, pixelSize(page.size, scale));
-    if (content.isNull()) {
-        QImage image(rect.size(), QImage::Format_RGB32);
-        if (image.isNull())
-            return image;
-        image.fill(Qt::white);
-        if (!page.content->draw(image, rect.topLeft(), scale, cancellation))
-            return {};
-        content = image;
-    }
-    QImage image = content;
-    if (page.annotations && !page.annotations->draw(image, rect.topLeft(), scale, cancellation))
-        return {};
-    return image;
-}
+// Of pictures of pages with annotations, as they are and without the annotations.
+constexpr qsizetype keptPictureBytes = 48 * 1024 * 1024;
 
 } // namespace
 
@@ -103,13 +44,16 @@ public:
     void want(std::vector<Tile> tiles)
     {
         const std::lock_guard lock(m_mutex);
-        m_wanted = std::move(tiles);
+        const std::vector<Tile> waiting = std::exchange(m_wanted, std::move(tiles));
+        for (const int page : std::exchange(m_refreshed, {}))
+            putWaitingFirst(page, waiting);
         for (Job& job : m_running) {
             const auto place = std::find(m_wanted.begin(), m_wanted.end(), job.tile);
             job.tileIsWanted = place != m_wanted.end();
             if (job.tileIsWanted) {
-                // What was abandoned cannot be taken up again; it is drawn anew.
-                if (!job.isAbandoned)
+                // What was abandoned cannot be taken up again, and what was begun before a refresh does not
+                // show it; both are drawn anew.
+                if (!job.isAbandoned && job.version == version(job.tile.page))
                     m_wanted.erase(place);
             } else if (!(job.readsPage && isPageWanted(job.tile.page))) {
                 job.isAbandoned = true;
@@ -122,32 +66,31 @@ public:
     void refreshAnnotations(int page)
     {
         const std::lock_guard lock(m_mutex);
-        m_changingPages.insert(page);
-        abandon(page);
-        std::erase_if(m_results, [page](const Result& result) {
-            const auto* drawn = std::get_if<TileDrawn>(&result);
-            return drawn && drawn->tile.page == page;
-        });
-        for (Content& content : m_kept) {
-            if (content->page != page)
-                continue;
-            auto outdated = std::make_shared<PageContent>(*content);
-            outdated->hasCurrentAnnotations = false;
-            content = std::move(outdated);
+        ++m_versions[page];
+        m_refreshed.insert(page);
+        for (Result& result : m_results) {
+            auto* drawn = std::get_if<TileDrawn>(&result);
+            if (drawn && drawn->tile.page == page)
+                drawn->isCurrent = false;
         }
     }
 
     void refreshPage(int page)
     {
         const std::lock_guard lock(m_mutex);
-        abandon(page);
+        for (Job& job : m_running) {
+            if (job.tile.page == page) {
+                job.isAbandoned = true;
+                job.cancellation.cancel();
+            }
+        }
         std::erase_if(m_results, [page](const Result& result) {
             return std::visit([](const auto& value) { return pageOf(value); }, result) == page;
         });
         std::erase_if(m_kept, [page](const Content& content) { return content->page == page; });
-        for (const Tile& tile : m_contentPictures.keys()) {
+        for (const Tile& tile : m_pictures.keys()) {
             if (tile.page == page)
-                m_contentPictures.remove(tile);
+                m_pictures.remove(tile);
         }
     }
 
@@ -173,6 +116,8 @@ private:
         bool readsPage = false;
         bool tileIsWanted = true;
         bool isAbandoned = false;
+        /// Of the annotations that it shows.
+        int version = 0;
     };
     using Lock = std::unique_lock<std::mutex>;
     using Content = std::shared_ptr<const PageContent>;
@@ -182,9 +127,10 @@ private:
     {
         Lock lock(m_mutex);
         if (const auto tile = takeNext()) {
-            const auto job = m_running.insert(m_running.end(), Job{*tile, {}, false, true, false});
+            const int present = version(tile->page);
+            const auto job = m_running.insert(m_running.end(), Job{*tile, {}, false, true, false, present});
             Content content = kept(tile->page);
-            if (!content || !content->hasCurrentAnnotations)
+            if (!content || content->version != present)
                 content = read(*job, content, lock);
             if (content && job->tileIsWanted && exists(*tile, *content))
                 draw(*job, *content, lock);
@@ -204,16 +150,18 @@ private:
         m_pageBeingRead = page;
         job.readsPage = true;
         const Cancellation cancellation = job.cancellation = Cancellation::after(longestTime);
+        const int versionBefore = job.version;
         lock.unlock();
-        auto content = std::make_shared<const PageContent>(
-            old ? readAnnotations(*m_document, *old, cancellation)
-                : readPage(*m_document, page, cancellation));
+        PageContent result = old ? readAnnotations(*m_document, *old, cancellation)
+                                 : readPage(*m_document, page, cancellation);
+        result.version = versionBefore;
+        const auto content = std::make_shared<const PageContent>(std::move(result));
         lock.lock();
         m_pageBeingRead = -1;
         job.readsPage = false;
         if (job.isAbandoned)
             return nullptr;
-        if (!content->size.isEmpty())
+        if (!old && !content->size.isEmpty())
             report(PageSized{page, content->size, content->pageToDisplay});
         if (!content->content) {
             report(PageFailed{page});
@@ -229,20 +177,32 @@ private:
     {
         const Tile tile = job.tile;
         const Cancellation cancellation = job.cancellation = Cancellation::after(longestTime);
-        const bool isChanging = m_changingPages.contains(tile.page);
-        const QImage* known = m_contentPictures.object(tile);
-        QImage contentPicture = known ? *known : QImage();
+        const TilePicture* known = m_pictures.object(tile);
+        TilePicture picture = known ? *known : TilePicture();
         lock.unlock();
-        QImage image = drawTile(content, tile, contentPicture, cancellation);
+        const bool isDrawn = drawTile(content, tile, picture, cancellation);
         lock.lock();
-        if (isChanging && !contentPicture.isNull())
-            m_contentPictures.insert(tile, new QImage(contentPicture), contentPicture.sizeInBytes());
         if (job.isAbandoned)
             return;
-        if (image.isNull())
+        if (!isDrawn) {
             report(PageFailed{tile.page});
-        else
-            report(TileDrawn{tile, std::move(image)});
+            return;
+        }
+        const QImage image = picture.whole;
+        keep(tile, content, std::move(picture));
+        report(TileDrawn{tile, image, job.version == version(tile.page)});
+    }
+
+    /// Pictures of pages that have no annotations, and none that come and go, are of no use later.
+    void keep(const Tile& tile, const PageContent& content, TilePicture picture)
+    {
+        const bool isChanging = m_versions.contains(tile.page);
+        if (!isChanging && !content.showsAnnotations())
+            return;
+        if (!isChanging)
+            picture.content = {};
+        const qsizetype bytes = picture.byteCount();
+        m_pictures.insert(tile, new TilePicture(std::move(picture)), bytes);
     }
 
     static int pageOf(const PageSized& result) { return result.page; }
@@ -257,15 +217,30 @@ private:
 
     // All below is to be called with the lock held.
 
-    /// Whatever runs for the page comes to nothing.
-    void abandon(int page)
+    /// How many times the page's annotations have changed.
+    int version(int page) const
     {
-        for (Job& job : m_running) {
-            if (job.tile.page == page) {
-                job.isAbandoned = true;
-                job.cancellation.cancel();
+        const auto place = m_versions.find(page);
+        return place == m_versions.end() ? 0 : place->second;
+    }
+
+    /// Where refreshes follow one another faster than all tiles of the page can be drawn, those that have
+    /// waited since an earlier one come before those that were drawn meanwhile, so that each has its turn.
+    void putWaitingFirst(int page, const std::vector<Tile>& waiting)
+    {
+        std::vector<std::size_t> places;
+        std::vector<Tile> tiles;
+        for (std::size_t i = 0; i < m_wanted.size(); ++i) {
+            if (m_wanted[i].page == page) {
+                places.push_back(i);
+                tiles.push_back(m_wanted[i]);
             }
         }
+        std::stable_partition(tiles.begin(), tiles.end(), [&](const Tile& tile) {
+            return std::find(waiting.begin(), waiting.end(), tile) != waiting.end();
+        });
+        for (std::size_t i = 0; i < places.size(); ++i)
+            m_wanted[places[i]] = tiles[i];
     }
 
     /// Puts as many threads to work as there may be work for.
@@ -302,7 +277,7 @@ private:
     bool isKept(int page) const
     {
         return std::any_of(m_kept.begin(), m_kept.end(), [&](const Content& content) {
-            return content->page == page && content->hasCurrentAnnotations;
+            return content->page == page && content->version == version(page);
         });
     }
 
@@ -347,10 +322,11 @@ private:
     /// The last used one first.
     std::list<Content> m_kept;
     std::vector<Result> m_results;
-    /// Pages whose annotations have changed and may do so again.
-    std::set<int> m_changingPages;
-    /// Of the tiles of these pages, without annotations.
-    QCache<Tile, QImage> m_contentPictures{keptContentBytes};
+    /// How many times the annotations of a page have changed, of the pages where they have.
+    std::map<int, int> m_versions;
+    /// Pages of which they have changed since tiles were wanted the last time.
+    std::set<int> m_refreshed;
+    QCache<Tile, TilePicture> m_pictures{keptPictureBytes};
 };
 
 TileRenderer::TileRenderer(std::shared_ptr<PDFDocument> document)

@@ -37,6 +37,8 @@ public:
         Tile tile;
         /// Format_RGB32; pixels of the page, without a device pixel ratio.
         QImage image;
+        /// False when the annotations have changed since: better than nothing, and drawn anew already.
+        bool isCurrent = true;
     };
     /// The page cannot be read or drawn, or not within the time and the memory that a page gets.
     struct PageFailed
@@ -55,9 +57,11 @@ public:
     /// is abandoned.
     void want(std::vector<Tile> tiles);
 
-    /// The annotations of the page have changed: what was drawn of the page before is not handed out any
-    /// more. Its content is not read anew, and from now on not even drawn anew where there is room to keep
-    /// pictures of it.
+    /// The annotations of the page have changed. What is being drawn of the page is drawn to its end and
+    /// handed out, but not as current, so that there is always something to show however fast changes follow
+    /// one another; then it is drawn as it is by then. Of each tile only those parts are drawn in which the
+    /// annotations differ. The page's content is not read anew, and not drawn anew where there is room to
+    /// keep pictures of it.
     void refreshAnnotations(int page);
 
     /// The page looks or lies different now: what was read and drawn of it before is not handed out any more,

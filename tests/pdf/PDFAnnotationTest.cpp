@@ -12,6 +12,7 @@
 #include <QPainter>
 
 #include <atomic>
+#include <numeric>
 #include <thread>
 
 namespace pdf {
@@ -154,6 +155,24 @@ TEST_F(PDFAnnotationTest, IsGoneFromThePageThatItIsRemovedFrom)
     EXPECT_FALSE(readFile(path()).contains("goes"));
 }
 
+TEST_F(PDFAnnotationTest, IsRemovedOnceWhenTheNextListIsCancelled)
+{
+    const auto document = openSample();
+    const auto page = document->page(0);
+    const auto kept = addText(*document, QStringLiteral("stays"), {10, 10, 50, 20});
+    const auto removed = addText(*document, QStringLiteral("goes"), {10, 50, 50, 20});
+    ASSERT_EQ(page->annotations().size(), 2u);
+    page->removeAnnotation(removed);
+    const Cancellation cancelled;
+    cancelled.cancel();
+    EXPECT_FALSE(page->annotationDisplayList(cancelled));
+    // Takes the place of what was removed, in memory too.
+    const auto added = addText(*document, QStringLiteral("comes"), {10, 90, 50, 20});
+    EXPECT_EQ(page->annotations(), (std::vector{kept, added}));
+    ASSERT_TRUE(document->write(path()));
+    EXPECT_EQ(saved().size(), 2u);
+}
+
 TEST_F(PDFAnnotationTest, CanBeAddedAgainAfterItWasRemoved)
 {
     const auto document = openSample();
@@ -227,6 +246,83 @@ TEST_F(PDFAnnotationTest, MayLieBeyondThePage)
     EXPECT_EQ(drawAnnotations(*document).pixel(2, 150), qRgb(255, 0, 0));
     ASSERT_TRUE(document->write(path()));
     EXPECT_EQ(saved()[0]->bounds(), QRectF(-50, 38, 200, 24));
+}
+
+QByteArray squares(int count)
+{
+    QByteArray annotations;
+    for (int i = 0; i < count; ++i)
+        annotations += "<</Type/Annot/Subtype/Square/F 4/Rect[9 9 12 12]>>";
+    return annotations;
+}
+
+TEST_F(PDFAnnotationTest, IsListedBeyondTheMostThatAPageMayHave)
+{
+    const auto document = openSample(squares(20'010));
+    const auto added = addText(*document, QStringLiteral("last"), {10, 10, 50, 20});
+    const auto annotations = document->page(0)->annotations();
+    ASSERT_EQ(annotations.size(), 20'001u);
+    EXPECT_EQ(annotations.back(), added);
+}
+
+/// Annotations that are objects of their own, as they nearly always are, in a row.
+QByteArray squaresInARow(PDFWriter& writer, int count)
+{
+    const int picture = writer.addStream("0 0 1 rg 0 0 8 8 re f", "/Subtype/Form/BBox[0 0 8 8]");
+    QByteArray annotations;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray left = QByteArray::number(10 + 10 * i);
+        const QByteArray right = QByteArray::number(18 + 10 * i);
+        const int square = writer.add(
+            "<</Type/Annot/Subtype/Square/F 4/Rect[" + left + " 50 " + right + " 58]/AP<</N " +
+            QByteArray::number(picture) + " 0 R>>>>");
+        annotations += QByteArray::number(square) + " 0 R ";
+    }
+    return annotations;
+}
+
+TEST_F(PDFAnnotationTest, IsAllThatIsDrawnAnewWhenItMoves)
+{
+    PDFWriter writer;
+    writer.addPage({}, "/MediaBox[0 0 200 200]/Annots[" + squaresInARow(writer, 15) + ']');
+    const auto document = open(m_folder.write(m_name, writer.bytes()));
+    const auto page = document->page(0);
+    const auto before = page->annotationDisplayList();
+    ASSERT_TRUE(before);
+    EXPECT_TRUE(page->annotationDisplayList()->difference(*before).empty()) << "nothing has changed";
+
+    page->annotations().at(7)->setBounds({80, 150, 8, 8});
+    const auto moved = page->annotationDisplayList();
+    auto places = moved->difference(*before);
+    ASSERT_EQ(places.size(), 2u);
+    EXPECT_EQ(places[0], QRectF(80, 42, 8, 8)) << "where it is";
+    EXPECT_EQ(places[1], QRectF(80, 142, 8, 8)) << "where it was";
+
+    const auto added = addText(*document, {}, {20, 120, 60, 40});
+    added->setColor(Qt::red);
+    const auto withAdded = page->annotationDisplayList();
+    places = withAdded->difference(*moved);
+    ASSERT_EQ(places.size(), 1u);
+    EXPECT_TRUE(places[0].contains(QRectF(20, 40, 60, 40)));
+    EXPECT_LT(places[0].width(), 70);
+
+    page->removeAnnotation(page->annotations().at(2));
+    places = page->annotationDisplayList()->difference(*withAdded);
+    const QRectF all = std::accumulate(
+        places.begin(), places.end(), QRectF(), [](const QRectF& a, const QRectF& b) { return a | b; });
+    EXPECT_EQ(all, QRectF(30, 142, 8, 8));
+}
+
+TEST_F(PDFAnnotationTest, LooksAsItsPageIsTurned)
+{
+    const auto document = openSample();
+    const auto annotation = addText(*document, {}, {20, 120, 60, 40});
+    annotation->setColor(Qt::red);
+    EXPECT_EQ(drawAnnotations(*document).pixel(21, 41), qRgb(255, 0, 0));
+    ASSERT_TRUE(document->page(0)->setRotation(180));
+    const QImage image = drawAnnotations(*document);
+    EXPECT_EQ(image.pixel(21, 41), qRgb(255, 255, 255));
+    EXPECT_EQ(image.pixel(178, 158), qRgb(255, 0, 0));
 }
 
 TEST_F(PDFAnnotationTest, MakesTheFileNoBiggerByBeingMovedOften)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/PDFView.h"
 
+#include "pdf/PDFAnnotation.h"
 #include "pdf/PDFDisplayList.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDeadlineTimer>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -269,6 +271,27 @@ TEST_F(PDFViewTest, GoesWhileAPageIsBeingDrawn)
     m_view.reset();
     EXPECT_TRUE(RenderThreads::shared().waitUntilIdle(std::chrono::seconds(5)))
         << "drawing has not been abandoned";
+}
+
+TEST_F(PDFViewTest, ShowsAnAnnotationHoweverFastRefreshesFollowOneAnother)
+{
+    show(colouredDocument(1));
+    const auto annotation =
+        std::make_shared<PDFAnnotation>(QRectF(100, 100, 100, 200), PDFAnnotation::Subtype::freeText);
+    annotation->setColor(Qt::black);
+    m_view->document()->page(0)->addAnnotation(annotation);
+    const QPoint middle = m_view->pageRect(0).center().toPoint();
+    const QDeadlineTimer deadline(20'000);
+    bool isShown = false;
+    while (!isShown && !deadline.hasExpired()) {
+        m_view->refreshAnnotations(0);
+        QCoreApplication::processEvents();
+        m_view->refreshAnnotations(0);
+        isShown = colorAt(middle) == QColor(Qt::black);
+    }
+    EXPECT_TRUE(isShown);
+    QSignalSpy refreshed(m_view.get(), &PDFView::annotationsRefreshed);
+    EXPECT_TRUE(m_view->isSharp() || refreshed.wait());
 }
 
 TEST_F(PDFViewTest, HasANameForScreenReaders)

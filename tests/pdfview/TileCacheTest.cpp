@@ -70,6 +70,10 @@ TEST(TileCacheTest, AnOutdatedPictureIsFoundButNotAtHandUntilItIsReplaced)
     EXPECT_TRUE(cache.contains(other));
     EXPECT_TRUE(cache.hasOutdated(0));
     EXPECT_FALSE(cache.hasOutdated(1));
+    cache.insertOutdated(first, QImage(8, 8, QImage::Format_RGB32));
+    EXPECT_EQ(cache.find(first)->size(), QSize(8, 8));
+    EXPECT_FALSE(cache.contains(first));
+    EXPECT_TRUE(cache.hasOutdated(0));
     cache.insert(first, QImage(4, 4, QImage::Format_RGB32));
     EXPECT_TRUE(cache.contains(first));
     EXPECT_FALSE(cache.hasOutdated(0));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/TileRenderer.h"
 
+#include "pdf/PDFAnnotation.h"
 #include "pdf/PDFDisplayList.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
@@ -9,8 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QDeadlineTimer>
 #include <QPainter>
+#include <QSet>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -265,7 +269,7 @@ TEST_F(TileRendererTest, DrawsAnnotationsAsTheyAreAfterARefresh)
     }
 }
 
-TEST_F(TileRendererTest, HandsOutNoPictureFromBeforeARefresh)
+TEST_F(TileRendererTest, HandsOutPicturesFromBeforeARefreshAsOutdated)
 {
     const auto file = document(pageWithBox());
     const Tile tile{0, 1.0, {0, 0}};
@@ -273,9 +277,88 @@ TEST_F(TileRendererTest, HandsOutNoPictureFromBeforeARefresh)
     renderer.want({tile});
     ASSERT_TRUE(RenderThreads::shared().waitUntilIdle(60s));
     renderer.refreshAnnotations(0);
-    EXPECT_TRUE(only<TileRenderer::TileDrawn>(renderer.takeResults()).empty());
+    auto drawn = only<TileRenderer::TileDrawn>(renderer.takeResults());
+    ASSERT_EQ(drawn.size(), 1U);
+    EXPECT_FALSE(drawn[0].isCurrent);
     renderer.want({tile});
-    EXPECT_EQ(only<TileRenderer::TileDrawn>(finish(renderer)).size(), 1U);
+    drawn = only<TileRenderer::TileDrawn>(finish(renderer));
+    ASSERT_EQ(drawn.size(), 1U);
+    EXPECT_TRUE(drawn[0].isCurrent);
+}
+
+TEST_F(TileRendererTest, DrawsEachTileHoweverFastRefreshesFollowOneAnother)
+{
+    const QSize pixels(1000, 1000);
+    const auto file = document(pageWithBox());
+    const auto tiles = tilesIn(QRect(QPoint(0, 0), pixels), 0, 10.0, pixels);
+    ASSERT_EQ(tiles.size(), 4U);
+    TileRenderer renderer(file);
+    QSet<Tile> drawn;
+    const QDeadlineTimer deadline(20s);
+    while (drawn.size() < 4 && !deadline.hasExpired()) {
+        renderer.refreshAnnotations(0);
+        renderer.want(tiles);
+        for (const auto& result : only<TileRenderer::TileDrawn>(renderer.takeResults()))
+            drawn.insert(result.tile);
+    }
+    EXPECT_EQ(drawn.size(), 4);
+    renderer.want(tiles);
+    const auto last = only<TileRenderer::TileDrawn>(finish(renderer));
+    EXPECT_EQ(
+        std::count_if(last.begin(), last.end(), [](const auto& result) { return result.isCurrent; }), 4);
+}
+
+/// A page of grey lines under many coloured squares that overlap, every other one half transparent.
+PDFWriter pageWithSquares()
+{
+    PDFWriter writer;
+    const int state = writer.add("<</Type/ExtGState/ca 0.5/BM/Multiply>>");
+    QByteArray annotations;
+    for (int i = 0; i < 60; ++i) {
+        const QByteArray colour = QByteArray::number(i % 3 / 2.0) + ' ' + QByteArray::number(i % 4 / 3.0) +
+                                  ' ' + QByteArray::number(i % 5 / 4.0) + " rg ";
+        const int picture = writer.addStream(
+            (i % 2 == 0 ? "/Half gs " : "") + colour + "0 0 90.5 90.5 re f",
+            "/Subtype/Form/BBox[0 0 90.5 90.5]/Resources<</ExtGState<</Half " + QByteArray::number(state) +
+                " 0 R>>>>");
+        const double x = 17.3 * (i % 20);
+        const double y = 61.7 * i / 10;
+        annotations +=
+            QByteArray::number(writer.add(
+                "<</Type/Annot/Subtype/Square/F 4/Rect[" + QByteArray::number(x) + ' ' +
+                QByteArray::number(y) + ' ' + QByteArray::number(x + 90.5) + ' ' +
+                QByteArray::number(y + 90.5) + "]/AP<</N " + QByteArray::number(picture) + " 0 R>>>>")) +
+            " 0 R ";
+    }
+    QByteArray lines = "0.8 G ";
+    for (int i = 0; i < 40; ++i)
+        lines += "0 " + QByteArray::number(i * 10) + " m 400 " + QByteArray::number(i * 11) + " l S ";
+    writer.addPage(lines, "/MediaBox[0 0 400 400]/Annots[" + annotations + ']');
+    return writer;
+}
+
+TEST_F(TileRendererTest, ShowsAMovedAnnotationInItsPlaceBetweenTheOthers)
+{
+    const auto file = document(pageWithSquares());
+    constexpr double scale = 1.6;
+    const QSize pixels = pixelSize({400, 400}, scale);
+    const auto tiles = tilesIn(QRect(QPoint(0, 0), pixels), 0, scale, pixels);
+    TileRenderer renderer(file);
+    renderer.want(tiles);
+    finish(renderer);
+    const auto moved = file->page(0)->annotations().at(30);
+    for (const QPointF place : {QPointF(200, 180), QPointF(287.3, 100.9), QPointF(-40, 350)}) {
+        moved->setBounds({place, moved->bounds().size()});
+        renderer.refreshAnnotations(0);
+        renderer.want(tiles);
+        QImage stitched(pixels, QImage::Format_RGB32);
+        QPainter painter(&stitched);
+        const auto drawn = only<TileRenderer::TileDrawn>(finish(renderer));
+        ASSERT_EQ(drawn.size(), tiles.size());
+        for (const auto& tile : drawn)
+            painter.drawImage(tileRect(tile.tile, pixels).topLeft(), tile.image);
+        EXPECT_LE(largestDifference(stitched, drawFromTiles(file, scale, pixels)), seamTolerance);
+    }
 }
 
 TEST_F(TileRendererTest, ReadsAPageAnewAfterItWasTurned)

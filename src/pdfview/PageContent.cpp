@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "pdfview/PageContent.h"
+
+#include "pdf/PDFDocument.h"
+#include "pdf/PDFPage.h"
+
+#include <utility>
+
+namespace pdf {
+
+PageContent readPage(PDFDocument& document, int index, const Cancellation& cancellation)
+{
+    PageContent result;
+    result.page = index;
+    const auto page = document.page(index);
+    if (!page)
+        return result;
+    result.size = page->displaySize();
+    result.pageToDisplay = page->pageToDisplay();
+    if (auto list = page->contentDisplayList(cancellation))
+        result.content = std::move(*list);
+    // A page whose annotations are broken is shown without them.
+    if (auto list = page->annotationDisplayList(cancellation))
+        result.annotations = std::move(*list);
+    return result;
+}
+
+PageContent readAnnotations(PDFDocument& document, const PageContent& old, const Cancellation& cancellation)
+{
+    PageContent result = old;
+    result.annotations.reset();
+    if (const auto page = document.page(old.page)) {
+        if (auto list = page->annotationDisplayList(cancellation))
+            result.annotations = std::move(*list);
+    }
+    return result;
+}
+
+} // namespace pdf
