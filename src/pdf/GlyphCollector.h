@@ -49,11 +49,19 @@ public:
     bool begin(const GlyphRun& run) noexcept;
     /// False when there are more glyphs than any page has, or no memory; never throws.
     bool add(const Glyph& glyph) noexcept;
+    /// Puts the text, which is UTF-8, in the place of the glyphs from this one on: over the whole stretch
+    /// that they cover, or, where that goes over several lines, over each line's in proportion to its glyphs.
+    /// False when there is too much text or no memory; never throws.
+    bool replaceFrom(std::size_t first, const char* text) noexcept;
 
     const std::vector<GlyphRun>& runs() const { return m_runs; }
     const std::vector<Glyph>& glyphs() const { return m_glyphs; }
 
 private:
+    struct Stretch;
+
+    std::vector<Stretch> stretchesFrom(std::size_t first) const;
+
     std::vector<GlyphRun> m_runs;
     std::vector<Glyph> m_glyphs;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/TextDevice.h"
 
+#include "pdf/ActualText.h"
 #include "pdf/Engine.h"
 #include "pdf/Limits.h"
 
@@ -264,6 +265,7 @@ void collectGlyphs(
     const PageGeometry geometry = page.geometry();
     fz_device* device = newTextDevice(ctx, collector, geometry.displayRect);
     pdf_processor* processor = nullptr;
+    ActualText actualText;
     fz_var(processor);
     fz_try(ctx)
     {
@@ -271,6 +273,7 @@ void collectGlyphs(
         pdf_obj* contents = pdf_dict_get(ctx, page.object, PDF_NAME(Contents));
         processor =
             pdf_new_run_processor(ctx, device, geometry.pageToDisplay, "View", nullptr, nullptr, cookie);
+        actualText.attach(processor, collector);
         keepTextOperators(processor);
         pdf_process_contents(ctx, processor, document, resources, contents, cookie);
         pdf_close_processor(ctx, processor);
@@ -278,6 +281,7 @@ void collectGlyphs(
     }
     fz_always(ctx)
     {
+        actualText.detach(ctx);
         pdf_drop_processor(ctx, processor);
         fz_drop_device(ctx, device);
     }

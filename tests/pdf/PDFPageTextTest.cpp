@@ -115,6 +115,76 @@ TEST(PDFPageTextTest, TakesALetterThatIsPrintedTwiceOnce)
     EXPECT_EQ(page->string(), QStringLiteral("AA\n"));
 }
 
+// Replacement text
+
+TEST(PDFPageTextTest, ReadsTheActualTextInsteadOfTheGlyphs)
+{
+    const auto page =
+        pageShowing("BT /F1 12 Tf 72 700 Td (Dru) Tj /Span <</ActualText (c)>> BDC (k-) Tj EMC (ker) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Drucker\n"));
+}
+
+TEST(PDFPageTextTest, SpreadsTheActualTextOverTheGlyphs)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td (AB) Tj /Span <</ActualText <FEFF006100E90063>>> BDC (XX) Tj EMC (C) Tj ET");
+    ASSERT_EQ(page->string(), QStringLiteral("ABa\u00E9cC\n"));
+    // A and B are 8.004 points wide, and so are both Xs.
+    const double start = 72 + 2 * 8.004;
+    for (int i = 0; i < 3; ++i) {
+        const QRectF box = boundsOf(*page, {2 + i, 1});
+        EXPECT_NEAR(box.left(), start + i * 5.336, 0.01);
+        EXPECT_NEAR(box.width(), 5.336, 0.01);
+    }
+    EXPECT_NEAR(boundsOf(*page, {5, 1}).left(), start + 16.008, 0.01);
+    EXPECT_EQ(page->characterIndex({start + 6, 703}), 3);
+    EXPECT_EQ(page->selection({2, 3})->string(), QStringLiteral("a\u00E9c"));
+}
+
+TEST(PDFPageTextTest, ReadsTheActualTextOfAPropertyList)
+{
+    PDFWriter writer;
+    writer.setResources("/Properties<</P1 <</ActualText (Signature)>>>>");
+    writer.addPage("/Span /P1 BDC " + showText(72, 700, "xyz") + "EMC " + showText(72, 680, "Date"));
+    EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("Signature\nDate\n"));
+}
+
+TEST(PDFPageTextTest, TakesTheOuterOfTwoActualTexts)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td /Span <</ActualText (outer)>> BDC (a) Tj /Span <</ActualText (inner)>> BDC "
+        "(b) Tj EMC /Other BMC (c) Tj EMC EMC (d) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("outerd\n"));
+}
+
+TEST(PDFPageTextTest, LeavesOutGlyphsWhoseActualTextIsEmpty)
+{
+    const auto page = pageShowing(
+        showText(72, 700, "Text") + "/Span <</ActualText ()>> BDC " + showText(72, 650, "****") + "EMC ");
+    EXPECT_EQ(page->string(), QStringLiteral("Text\n"));
+}
+
+TEST(PDFPageTextTest, SharesAnActualTextOverLinesOut)
+{
+    const auto page = pageShowing(
+        "/Span <</ActualText (abcdefghi)>> BDC " + showText(72, 700, "xxxxxx") + showText(72, 680, "xxx") +
+        "EMC ");
+    EXPECT_EQ(page->string(), QStringLiteral("abcdef\nghi\n"));
+}
+
+TEST(PDFPageTextTest, EndsWithAFormTheActualTextThatItLeavesOpen)
+{
+    PDFWriter writer;
+    const int font = writer.add("<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>");
+    const QByteArray entries = "/Type/XObject/Subtype/Form/BBox[0 0 612 792]/Resources<</Font<</F1 " +
+                               QByteArray::number(font) + " 0 R>>>>";
+    const int open = writer.addStream(
+        "EMC EMC /Span <</ActualText (replaced)>> BDC " + showText(72, 700, "shown"), entries);
+    writer.setResources("/XObject<</X " + QByteArray::number(open) + " 0 R>>");
+    writer.addPage("/X Do " + showText(72, 680, "after") + "EMC EMC " + showText(72, 660, "end"));
+    EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("replaced\nafter\nend\n"));
+}
+
 TEST(PDFPageTextTest, ReadsFormsButNotAnnotations)
 {
     PDFWriter writer;
