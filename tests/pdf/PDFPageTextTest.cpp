@@ -115,6 +115,12 @@ TEST(PDFPageTextTest, TakesALetterThatIsPrintedTwiceOnce)
     EXPECT_EQ(page->string(), QStringLiteral("AA\n"));
 }
 
+TEST(PDFPageTextTest, ReadsAnUnnamedGlyphThatShowsNothingAsASpace)
+{
+    const auto page = pageWithMap("<20> <FFFD> <41> <FFFD>", "BT /F2 12 Tf 72 700 Td (one two A) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("one two \uFFFD\n"));
+}
+
 // Replacement text
 
 TEST(PDFPageTextTest, ReadsTheActualTextInsteadOfTheGlyphs)
