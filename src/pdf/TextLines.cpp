@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -26,6 +27,9 @@ constexpr float sameLineOffset = 0.3F;
 constexpr float twicePrintedOffset = 0.15F;
 constexpr float coreHeight = 0.5F;
 constexpr float leftwardGap = 4.0F;
+
+// A line that is printed once more comes within so many lines.
+constexpr std::size_t linesToReprint = 64;
 
 // Directions whose cosine is above this are the same.
 constexpr float sameDirection = 0.999F;
@@ -118,12 +122,19 @@ public:
     void add(const GlyphRun& run, const Glyph& glyph)
     {
         if (glyph.character < 0) {
-            widenLastGlyph(run, glyph);
+            if (!m_isDropped)
+                widenLastGlyph(run, glyph);
         } else if (glyph.isContinuation && m_hasGlyph) {
+            if (m_isDropped)
+                return;
             flushLast();
             m_cluster.push_back(textCharacter(glyph.character));
-        } else if (!isPrintedTwice(run, glyph)) {
-            place(run, glyph);
+        } else {
+            const bool continues = m_hasGlyph && goesOn(run, glyph);
+            m_isDropped = isPrintedTwice(run, glyph, continues);
+            if (m_isDropped)
+                return;
+            place(run, glyph, continues);
             m_run = &run;
             m_glyph = glyph;
             m_code = textCharacter(glyph.character);
@@ -149,22 +160,76 @@ private:
             m_glyph.start.y + m_run->direction.y * m_glyph.advance};
     }
 
-    bool isPrintedTwice(const GlyphRun& run, const Glyph& glyph) const
+    /// Some writers make text bold by printing it twice: each letter, each word or each line.
+    bool isPrintedTwice(const GlyphRun& run, const Glyph& glyph, bool continues)
     {
-        if (!m_hasGlyph || glyph.character != m_glyph.character || m_glyph.advance <= 0)
+        if (!m_hasGlyph)
             return false;
+        const float limit = std::min(run.size * twicePrintedOffset, glyph.advance / 2);
         const fz_point offset = minus(glyph.start, m_glyph.start);
-        const float limit = std::min(run.size * twicePrintedOffset, m_glyph.advance / 2);
-        return std::fabs(offset.x) < limit && std::fabs(offset.y) < limit;
+        if (glyph.character == m_glyph.character && std::fabs(offset.x) < limit &&
+            std::fabs(offset.y) < limit)
+            return true;
+        if (m_reprinted && isReprinted(run, glyph, limit))
+            return true;
+        m_reprinted.reset();
+        // What goes on to the right lies where nothing is yet.
+        if (continues && gapBefore(glyph) > -run.size * overlapLimit)
+            return false;
+        m_reprinted = findPrinted(run, glyph, limit);
+        return m_reprinted.has_value();
+    }
+
+    /// Whether the glyph is the next one of those that are printed already.
+    bool isReprinted(const GlyphRun& run, const Glyph& glyph, float limit)
+    {
+        flush();
+        const char32_t code = textCharacter(glyph.character);
+        std::size_t& next = *m_reprinted;
+        while (next < characters().size() && characters()[next].code == ' ' && code != ' ')
+            ++next;
+        if (next >= characters().size() || !isAt(characters()[next], code, glyphBox(run, glyph), limit))
+            return false;
+        ++next;
+        return true;
+    }
+
+    bool isAt(const TextCharacter& character, char32_t code, const fz_rect& box, float limit) const
+    {
+        return character.code == code && std::fabs(character.box.x0 - box.x0) < limit &&
+               std::fabs(character.box.y1 - box.y1) < limit;
+    }
+
+    /// The character after the one that stands where this one is to be printed.
+    std::optional<std::size_t> findPrinted(const GlyphRun& run, const Glyph& glyph, float limit) const
+    {
+        const char32_t code = textCharacter(glyph.character);
+        const fz_rect box = glyphBox(run, glyph);
+        const std::vector<TextLine>& lines = m_result.lines;
+        std::size_t end = m_result.characters.size();
+        for (std::size_t i = lines.size(); i > 0 && i + linesToReprint > lines.size(); --i) {
+            const TextLine& line = lines[i - 1];
+            const float from = dot(glyph.start, line.direction);
+            const float foot = dot(glyph.start, quarterTurned(line.direction));
+            if (from > line.extent.x0 - limit && from < line.extent.x1 && foot > line.extent.y0 &&
+                foot < line.extent.y1 + limit) {
+                for (std::size_t at = line.first; at < end; ++at) {
+                    if (isAt(m_result.characters[at], code, box, limit))
+                        return at + 1;
+                }
+            }
+            end = line.first;
+        }
+        return std::nullopt;
     }
 
     /// Opens a new line for the glyph, or bridges the gap to the last one.
-    void place(const GlyphRun& run, const Glyph& glyph)
+    void place(const GlyphRun& run, const Glyph& glyph, bool continues)
     {
         if (m_hasGlyph && goesOnLeftwards(run, glyph)) {
             flush();
             m_isScattered = true;
-        } else if (m_hasGlyph && goesOn(run, glyph)) {
+        } else if (continues) {
             const float gap = gapBefore(glyph);
             if (gap < -run.size * overlapLimit && gap > -m_glyph.advance && !isMark(glyph.character))
                 m_glyph.advance += gap;
@@ -307,8 +372,6 @@ private:
         line().count = characters().size() - line().first;
         if (line().count == 0)
             m_result.lines.pop_back();
-        else
-            dropLinePrintedTwice();
     }
 
     void orderLine()
@@ -322,31 +385,15 @@ private:
         characters().insert(characters().end(), ordered.begin(), ordered.end());
     }
 
-    /// Some writers make text bold by printing it twice, a line at a time.
-    void dropLinePrintedTwice()
-    {
-        if (m_result.lines.size() < 2)
-            return;
-        TextLine& before = *std::prev(m_result.lines.end(), 2);
-        const std::size_t common = std::min(before.count, line().count);
-        const float limit = (line().foot - line().top) * twicePrintedOffset;
-        for (std::size_t i = 0; i < common; ++i) {
-            const TextCharacter& a = characters()[before.first + i];
-            const TextCharacter& b = characters()[line().first + i];
-            if (a.code != b.code || std::fabs(a.box.x0 - b.box.x0) > limit ||
-                std::fabs(a.box.y1 - b.box.y1) > limit)
-                return;
-        }
-        // The longer of the two stays.
-        if (before.count < line().count)
-            before = line();
-        m_result.lines.pop_back();
-    }
-
     TextLines m_result;
     /// The current line has right-to-left letters, and some that were placed to the left of others.
     bool m_hasRightToLeft = false;
     bool m_isScattered = false;
+
+    /// The last glyph was printed before and is not taken again, with all that belongs to it.
+    bool m_isDropped = false;
+    /// Where text is being printed once more, the character that would be next.
+    std::optional<std::size_t> m_reprinted;
 
     // The last glyph, whose characters are not written yet because more may come.
     bool m_hasGlyph = false;

@@ -115,6 +115,35 @@ TEST(PDFPageTextTest, TakesALetterThatIsPrintedTwiceOnce)
     EXPECT_EQ(page->string(), QStringLiteral("AA\n"));
 }
 
+TEST(PDFPageTextTest, TakesWordsThatArePrintedTwiceOnce)
+{
+    const auto page = pageShowing(
+        showText(72, 700, "This ") + showText(96.7, 700, "agreement") + showText(96.9, 700, "agreement ") +
+        showText(156.7, 700, "hereby") + showText(156.9, 700, "hereby"));
+    EXPECT_EQ(page->string(), QStringLiteral("This agreement hereby\n"));
+}
+
+TEST(PDFPageTextTest, TakesALineThatIsPrintedAgainAfterOthersOnce)
+{
+    const auto page = pageShowing(
+        showText(72, 700, "First line") + showText(72, 680, "Second line") +
+        showText(72.3, 700, "First line") + showText(72.3, 680, "Second line, at length"));
+    EXPECT_EQ(page->string(), QStringLiteral("First line\nSecond line, at length\n"));
+}
+
+TEST(PDFPageTextTest, TakesALigatureThatIsPrintedTwiceOnce)
+{
+    const auto page = pageWithMap(
+        "<41> <006600660069>", "BT /F2 12 Tf 72 700 Td (A) Tj 0.3 0 Td (A) Tj 7.7 0 Td (B) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("ffiB\n"));
+}
+
+TEST(PDFPageTextTest, KeepsLettersThatStandOnOneAnotherFurtherApart)
+{
+    const auto page = pageShowing(showText(72, 700, "Shadow") + showText(74.5, 697, "Shadow"));
+    EXPECT_EQ(page->string(), QStringLiteral("Shadow\nShadow\n"));
+}
+
 TEST(PDFPageTextTest, ReadsAnUnnamedGlyphThatShowsNothingAsASpace)
 {
     const auto page = pageWithMap("<20> <FFFD> <41> <FFFD>", "BT /F2 12 Tf 72 700 Td (one two A) Tj ET");
