@@ -2,6 +2,7 @@
 #include "pdf/TextLines.h"
 
 #include "pdf/BidiOrder.h"
+#include "pdf/LetterSpacing.h"
 
 #include <QChar>
 #include <QList>
@@ -30,6 +31,9 @@ constexpr float leftwardGap = 4.0F;
 
 // A line that is printed once more comes within so many lines.
 constexpr std::size_t linesToReprint = 64;
+
+// Gaps that are so few characters apart make one-letter words, or spaced letters.
+constexpr std::size_t closeGaps = 3;
 
 // Directions whose cosine is above this are the same.
 constexpr float sameDirection = 0.999F;
@@ -237,7 +241,7 @@ private:
             const bool isSpaced = glyph.character == ' ' || line().first == characters().size() ||
                                   characters().back().code == ' ';
             if (gap > run.size * spaceGap && !isSpaced && !m_isScattered)
-                addCharacter(' ', *m_run, {' ', end(), gap, false});
+                addGap(gap, run.size);
         } else {
             flush();
             endLine();
@@ -249,6 +253,15 @@ private:
             line().foot = -farAway;
         }
         extendLine(run, glyph);
+    }
+
+    void addGap(float gap, float size)
+    {
+        const std::size_t position = characters().size() - line().first;
+        if (!m_gaps.empty() && position - m_gaps.back().position <= closeGaps)
+            ++m_closeGapCount;
+        m_gaps.push_back({position, gap, size});
+        addCharacter(' ', *m_run, {' ', end(), gap, false});
     }
 
     /// From where the last glyph ends to where the next one starts. Where a font tells other widths than the
@@ -365,6 +378,10 @@ private:
     {
         if (m_result.lines.empty())
             return;
+        if (m_closeGapCount > 1)
+            joinSpacedLetters(characters(), line().first, m_gaps);
+        m_gaps.clear();
+        m_closeGapCount = 0;
         if (m_hasRightToLeft)
             orderLine();
         m_hasRightToLeft = false;
@@ -389,6 +406,9 @@ private:
     /// The current line has right-to-left letters, and some that were placed to the left of others.
     bool m_hasRightToLeft = false;
     bool m_isScattered = false;
+    /// The spaces in the current line that bridge gaps, and how many of them have another one close by.
+    std::vector<LetterGap> m_gaps;
+    std::size_t m_closeGapCount = 0;
 
     /// The last glyph was printed before and is not taken again, with all that belongs to it.
     bool m_isDropped = false;

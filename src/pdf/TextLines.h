@@ -48,7 +48,7 @@ struct TextLines
 
 /// Puts glyphs together to lines. A line goes on as long as the next glyph stands on the same line of writing
 /// and not before the last one (right-to-left letters may also follow to the left of the line); a gap becomes
-/// a space. Ligatures and presentation forms become letters
+/// a space, unless the letters are spaced as wide as that. Ligatures and presentation forms become letters
 /// that share the glyph's width, all white space becomes plain spaces, and control characters go. Text that
 /// is printed twice to look bold, be it by letters, words or lines, is taken once. The characters of a line
 /// come in the order in which they are read, right-to-left text included.

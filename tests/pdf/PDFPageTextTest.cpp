@@ -150,6 +150,53 @@ TEST(PDFPageTextTest, ReadsAnUnnamedGlyphThatShowsNothingAsASpace)
     EXPECT_EQ(page->string(), QStringLiteral("one two \uFFFD\n"));
 }
 
+// Spaced letters
+
+TEST(PDFPageTextTest, ReadsSpacedLettersAsWords)
+{
+    const auto page = pageShowing("BT /F1 12 Tf 3 Tc 72 700 Td (Property tax) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Property tax\n"));
+}
+
+TEST(PDFPageTextTest, ReadsUnevenlySpacedLettersAsWords)
+{
+    // Some of the gaps are wider than narrow spaces are elsewhere, others are not.
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(P) -160 (r) -140 (o) -165 (p) -155 (e) -160 (r) -130 (t) -145 (y) -450 "
+        "(T) -160 (a) -140 (x)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Property Tax\n"));
+}
+
+TEST(PDFPageTextTest, ReadsAnEvenlySpacedWordAsOne)
+{
+    const auto page = pageShowing("BT /F1 12 Tf 4 Tc 72 700 Td (INVOICE) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("INVOICE\n"));
+}
+
+TEST(PDFPageTextTest, KeepsFiguresAndFewLettersThatStandAloneApart)
+{
+    const auto figures =
+        pageShowing("BT /F1 12 Tf 72 700 Td [(1) -300 (2) -300 (3) -300 (4) -300 (5)] TJ ET");
+    EXPECT_EQ(figures->string(), QStringLiteral("1 2 3 4 5\n"));
+    const auto letters = pageShowing("BT /F1 12 Tf 72 700 Td [(a) -300 (b) -300 (c) -300 (d)] TJ ET");
+    EXPECT_EQ(letters->string(), QStringLiteral("a b c d\n"));
+}
+
+TEST(PDFPageTextTest, KeepsShortWordsApart)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(2018) -250 (a) -250 (1) -250 (b) -250 (30) -250 (c) -250 (4)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("2018 a 1 b 30 c 4\n"));
+}
+
+TEST(PDFPageTextTest, KeepsTheWordsBeforeALeaderOfDotsApart)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(The) -300 (first) -300 (part) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) "
+        "-300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (7)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("The first part . . . . . . . . . . . . 7\n"));
+}
+
 // Replacement text
 
 TEST(PDFPageTextTest, ReadsTheActualTextInsteadOfTheGlyphs)
