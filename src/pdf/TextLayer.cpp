@@ -3,6 +3,7 @@
 
 #include "pdf/ReadingOrder.h"
 #include "pdf/TextLines.h"
+#include "pdf/TextRows.h"
 
 #include <QLineF>
 #include <QTextBoundaryFinder>
@@ -88,7 +89,8 @@ double distanceOutside(double value, double from, double to)
 
 TextLayer::TextLayer(const GlyphCollector& glyphs, const QTransform& displayToPage)
 {
-    const TextLines text = textLines(glyphs);
+    TextLines text = textLines(glyphs);
+    joinRows(text);
     const fz_matrix matrix = {float(displayToPage.m11()), float(displayToPage.m12()),
                               float(displayToPage.m21()), float(displayToPage.m22()),
                               float(displayToPage.dx()),  float(displayToPage.dy())};

@@ -319,6 +319,7 @@ private:
         const float from = dot(glyph.start, line().direction);
         const float foot = dot(glyph.start, quarterTurned(line().direction));
         fz_rect& extent = line().extent;
+        line().size = std::max(line().size, run.size);
         extent.x0 = std::min(extent.x0, from);
         extent.x1 = std::max(extent.x1, from + glyph.advance);
         extent.y0 = std::min(extent.y0, foot - run.size * coreHeight);

@@ -37,6 +37,8 @@ struct TextLine
     /// From the top of the highest letter to the foot of the lowest, across the direction of writing.
     float top = 0;
     float foot = 0;
+    /// The largest font size.
+    float size = 0;
 };
 
 struct TextLines

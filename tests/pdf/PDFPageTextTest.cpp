@@ -355,6 +355,20 @@ TEST(PDFPageTextTest, MovesNoColumnForAHeadingOfTheOtherThatIsDrawnLast)
     EXPECT_EQ(page->string(), QStringLiteral("Heading\nLeft one\nleft two\nRight one\nright two\n"));
 }
 
+TEST(PDFPageTextTest, ReadsARowThatIsDrawnFromTheRightFromTheLeft)
+{
+    const auto page = pageShowing(
+        showText(140, 700, "19 April 2014") + showText(72, 700, "Due date:") +
+        showText(400, 680, "37,499.96") + showText(220, 680, "District director") +
+        showText(72, 680, "Bain, J."));
+    EXPECT_EQ(
+        page->string(), QStringLiteral("Due date: 19 April 2014\nBain, J. District director 37,499.96\n"));
+    EXPECT_NEAR(boundsOf(*page, {0, 3}).left(), 72, 0.01);
+    EXPECT_NEAR(boundsOf(*page, {10, 2}).left(), 140, 0.01);
+    // The space between the two.
+    EXPECT_NEAR(boundsOf(*page, {9, 1}).right(), 140, 0.01);
+}
+
 TEST(PDFPageTextTest, OrdersTheLinesOfAPageThatIsShownTurned)
 {
     // Written so that it stands upright once the page is turned.
