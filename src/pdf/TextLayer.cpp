@@ -2,6 +2,7 @@
 #include "pdf/TextLayer.h"
 
 #include "pdf/ReadingOrder.h"
+#include "pdf/TextColumns.h"
 #include "pdf/TextLines.h"
 #include "pdf/TextRows.h"
 
@@ -91,6 +92,7 @@ TextLayer::TextLayer(const GlyphCollector& glyphs, const QTransform& displayToPa
 {
     TextLines text = textLines(glyphs);
     joinRows(text);
+    splitColumns(text);
     const fz_matrix matrix = {float(displayToPage.m11()), float(displayToPage.m12()),
                               float(displayToPage.m21()), float(displayToPage.m22()),
                               float(displayToPage.dx()),  float(displayToPage.dy())};

@@ -355,6 +355,120 @@ TEST(PDFPageTextTest, MovesNoColumnForAHeadingOfTheOtherThatIsDrawnLast)
     EXPECT_EQ(page->string(), QStringLiteral("Heading\nLeft one\nleft two\nRight one\nright two\n"));
 }
 
+const std::vector<std::vector<const char*>> newspaper = {
+    {"The council has met on", "Rain is expected over", "Prices of bread have"},
+    {"Monday to talk about the", "the weekend, and more", "gone up once again this"},
+    {"new bridge, which is to", "of it on Monday, when", "month, as the harvest"},
+    {"be built across the river", "the wind will turn to the", "in the north was a poor"},
+    {"before the next winter.", "west for some days.", "one after the drought."},
+};
+
+/// The columns' lines one column after the other.
+QString byColumns(const std::vector<std::vector<const char*>>& rows)
+{
+    QString text;
+    for (std::size_t column = 0; column < rows.front().size(); ++column) {
+        for (const auto& row : rows)
+            text += QLatin1String(row[column]) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+/// Rows of cells 180 points apart. The second column may lie a little lower.
+QByteArray drawnByRows(const std::vector<std::vector<const char*>>& rows, double lower = 0)
+{
+    QByteArray content;
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < rows[row].size(); ++column) {
+            const double y = 700 - 14.0 * static_cast<double>(row) - (column == 1 ? lower : 0);
+            content += showText(40 + 180.0 * static_cast<double>(column), y, rows[row][column]);
+        }
+    }
+    return content;
+}
+
+TEST(PDFPageTextTest, ReadsColumnsThatAreDrawnRowByRowOneAfterTheOther)
+{
+    const auto page = pageShowing(
+        showText(40, 740, "News of the week that reach over all of the columns and all of the page") +
+        drawnByRows(newspaper) +
+        showText(40, 600, "The last line reaches over all of the columns, too, of it"));
+    EXPECT_EQ(
+        page->string(),
+        QStringLiteral("News of the week that reach over all of the columns and all of the page\n") +
+            byColumns(newspaper) +
+            QStringLiteral("The last line reaches over all of the columns, too, of it\n"));
+}
+
+TEST(PDFPageTextTest, ReadsColumnsWhoseLinesAreNotAtTheSameHeightOneAfterTheOther)
+{
+    EXPECT_EQ(pageShowing(drawnByRows(newspaper, 5))->string(), byColumns(newspaper));
+}
+
+TEST(PDFPageTextTest, FindsAndSelectsWhatGoesOverTheLinesOfAColumn)
+{
+    const auto page = pageShowing(drawnByRows(newspaper));
+    const QString phrase = QStringLiteral("weekend, and more\nof it on");
+    const qsizetype start = page->string()->indexOf(phrase);
+    ASSERT_GE(start, 0);
+    const auto selection = page->selection({start, phrase.size()});
+    EXPECT_EQ(selection->string(), phrase);
+    const std::vector<QRectF> lines = selection->lineBounds(*page);
+    ASSERT_EQ(lines.size(), 2U);
+    for (const QRectF& line : lines) {
+        EXPECT_GE(line.left(), 219.9);
+        EXPECT_LT(line.right(), 400);
+    }
+    const auto found = page->document()->findString(QStringLiteral("more of it on Monday"), {});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found.front().string(), QStringLiteral("more\nof it on Monday"));
+    EXPECT_EQ(page->characterIndex(lines[1].center()) > start, true);
+}
+
+TEST(PDFPageTextTest, KeepsTheRowsOfATableWhole)
+{
+    const std::vector<std::vector<const char*>> bill = {
+        {"Invoice date", "3 March 2024", "Page 1"},      {"Due date", "2 April 2024", "net 30 days"},
+        {"Amount due", "$ 1,204.50", "incl. tax"},       {"Account number", "4711-0815", "by transfer"},
+        {"Reference", "RF18 5390 0754", "please quote"},
+    };
+    QString rows;
+    for (const auto& row : bill)
+        rows += QStringLiteral("%1 %2 %3\n")
+                    .arg(QLatin1String(row[0]), QLatin1String(row[1]), QLatin1String(row[2]));
+    EXPECT_EQ(pageShowing(drawnByRows(bill))->string(), rows);
+}
+
+TEST(PDFPageTextTest, KeepsLabelsAndTheFiguresAfterThemOnOneLine)
+{
+    const auto page = pageShowing(
+        showText(40, 700, "the amount that is due for this month") + showText(330, 700, "1,204.50 EUR") +
+        showText(40, 686, "the amount that was due and not paid") + showText(330, 686, "96.10 EUR") +
+        showText(40, 672, "the fee for the reminder of last month") + showText(330, 672, "5.00 EUR") +
+        showText(40, 658, "what is to be paid altogether by then") + showText(330, 658, "1,305.60 EUR"));
+    EXPECT_EQ(
+        page->string(), QStringLiteral("the amount that is due for this month 1,204.50 EUR\n"
+                                       "the amount that was due and not paid 96.10 EUR\n"
+                                       "the fee for the reminder of last month 5.00 EUR\n"
+                                       "what is to be paid altogether by then 1,305.60 EUR\n"));
+}
+
+TEST(PDFPageTextTest, KeepsTheLinesAroundAHoleInAParagraph)
+{
+    const QByteArray through =
+        "one line of a paragraph that runs from the left to the right of the page, all "
+        "of it";
+    const auto page = pageShowing(
+        showText(40, 700, through) + showText(40, 686, "here a redaction takes some words") +
+        showText(330, 686, "away from the line, and so it") +
+        showText(40, 672, "does here, where the text goes on") +
+        showText(330, 672, "behind it to the end and") +
+        showText(40, 658, "here, for the third and the last time") +
+        showText(330, 658, "of all lines that it hits;") + showText(40, 644, through));
+    EXPECT_EQ(page->string()->count(QLatin1Char('\n')), 5) << page->string()->toStdString();
+    EXPECT_TRUE(page->string()->contains(QStringLiteral("takes some words away from the line")));
+}
+
 TEST(PDFPageTextTest, ReadsARowThatIsDrawnFromTheRightFromTheLeft)
 {
     const auto page = pageShowing(
