@@ -26,8 +26,9 @@ constexpr float sameDirection = 0.999F;
 constexpr float farAway = std::numeric_limits<float>::max();
 
 constexpr std::size_t leastRows = 3;
-// A row of more pieces than this is a table's.
+// A row of more pieces than this is a table's, and so are rows that share more gutters.
 constexpr std::size_t mostPieces = 12;
+constexpr std::size_t mostGutters = 16;
 
 // Running text: words in a line on average, where lines begin with small letters and elsewhere; which part of
 // the lines has to begin so; how full the usual line is, compared with the fullest.
@@ -218,7 +219,7 @@ private:
             if (!isKept && gutter.rows >= leastRows)
                 return false;
         }
-        return !m_nextGutters.empty();
+        return !m_nextGutters.empty() && m_nextGutters.size() <= mostGutters;
     }
 
     /// Hands on the rows before this one that are not handed on yet: by columns if they are some, by rows

@@ -31,6 +31,9 @@ constexpr float leftwardGap = 4.0F;
 
 // A line that is printed once more comes within so many lines.
 constexpr std::size_t linesToReprint = 64;
+// Looking for what is printed already ends after so many comparisons on a page; pages of text need some
+// thousands. What a hostile one prints twice after that stays there twice.
+constexpr std::size_t mostComparisons = 20'000'000;
 
 // Gaps that are so few characters apart make one-letter words, or spaced letters.
 constexpr std::size_t closeGaps = 3;
@@ -134,11 +137,12 @@ public:
             flushLast();
             m_cluster.push_back(textCharacter(glyph.character));
         } else {
-            const bool continues = m_hasGlyph && goesOn(run, glyph);
-            m_isDropped = isPrintedTwice(run, glyph, continues);
+            const float gap = m_hasGlyph ? gapBefore(glyph) : 0;
+            const bool continues = m_hasGlyph && goesOn(run, glyph, gap);
+            m_isDropped = isPrintedTwice(run, glyph, continues, gap);
             if (m_isDropped)
                 return;
-            place(run, glyph, continues);
+            place(run, glyph, continues, gap);
             m_run = &run;
             m_glyph = glyph;
             m_code = textCharacter(glyph.character);
@@ -165,9 +169,11 @@ private:
     }
 
     /// Some writers make text bold by printing it twice: each letter, each word or each line.
-    bool isPrintedTwice(const GlyphRun& run, const Glyph& glyph, bool continues)
+    bool isPrintedTwice(const GlyphRun& run, const Glyph& glyph, bool continues, float gap)
     {
-        if (!m_hasGlyph)
+        // What goes on to the right lies where nothing is yet.
+        const bool isAhead = continues && gap > -run.size * overlapLimit;
+        if (!m_hasGlyph || (isAhead && !m_reprinted))
             return false;
         const float limit = std::min(run.size * twicePrintedOffset, glyph.advance / 2);
         const fz_point offset = minus(glyph.start, m_glyph.start);
@@ -177,8 +183,7 @@ private:
         if (m_reprinted && isReprinted(run, glyph, limit))
             return true;
         m_reprinted.reset();
-        // What goes on to the right lies where nothing is yet.
-        if (continues && gapBefore(glyph) > -run.size * overlapLimit)
+        if (isAhead)
             return false;
         m_reprinted = findPrinted(run, glyph, limit);
         return m_reprinted.has_value();
@@ -205,19 +210,22 @@ private:
     }
 
     /// The character after the one that stands where this one is to be printed.
-    std::optional<std::size_t> findPrinted(const GlyphRun& run, const Glyph& glyph, float limit) const
+    std::optional<std::size_t> findPrinted(const GlyphRun& run, const Glyph& glyph, float limit)
     {
         const char32_t code = textCharacter(glyph.character);
         const fz_rect box = glyphBox(run, glyph);
         const std::vector<TextLine>& lines = m_result.lines;
         std::size_t end = m_result.characters.size();
         for (std::size_t i = lines.size(); i > 0 && i + linesToReprint > lines.size(); --i) {
+            if (m_comparisons > mostComparisons)
+                return std::nullopt;
+            ++m_comparisons;
             const TextLine& line = lines[i - 1];
             const float from = dot(glyph.start, line.direction);
             const float foot = dot(glyph.start, quarterTurned(line.direction));
             if (from > line.extent.x0 - limit && from < line.extent.x1 && foot > line.extent.y0 &&
                 foot < line.extent.y1 + limit) {
-                for (std::size_t at = line.first; at < end; ++at) {
+                for (std::size_t at = line.first; at < end; ++at, ++m_comparisons) {
                     if (isAt(m_result.characters[at], code, box, limit))
                         return at + 1;
                 }
@@ -228,13 +236,12 @@ private:
     }
 
     /// Opens a new line for the glyph, or bridges the gap to the last one.
-    void place(const GlyphRun& run, const Glyph& glyph, bool continues)
+    void place(const GlyphRun& run, const Glyph& glyph, bool continues, float gap)
     {
         if (m_hasGlyph && goesOnLeftwards(run, glyph)) {
             flush();
             m_isScattered = true;
         } else if (continues) {
-            const float gap = gapBefore(glyph);
             if (gap < -run.size * overlapLimit && gap > -m_glyph.advance && !isMark(glyph.character))
                 m_glyph.advance += gap;
             flush();
@@ -283,13 +290,12 @@ private:
         return std::fabs(dot(minus(glyph.start, m_glyph.start), across));
     }
 
-    bool goesOn(const GlyphRun& run, const Glyph& glyph) const
+    bool goesOn(const GlyphRun& run, const Glyph& glyph, float gap) const
     {
         if (!hasLinesDirection(run))
             return false;
         const TextLine& last = m_result.lines.back();
         const float size = std::max(run.size, m_run->size);
-        const float gap = gapBefore(glyph);
         // Right after the last glyph a superscript is welcome.
         const bool isForward = dot(minus(glyph.start, m_glyph.start), last.direction) > 0;
         if (gap < nearGap * size && (isForward || gap > -nearGap * size))
@@ -331,7 +337,7 @@ private:
     /// The last character has one more glyph.
     void widenLastGlyph(const GlyphRun& run, const Glyph& glyph)
     {
-        if (!m_hasGlyph || !goesOn(run, glyph))
+        if (!m_hasGlyph || !goesOn(run, glyph, gapBefore(glyph)))
             return;
         m_glyph.advance += glyph.advance;
         extendLine(run, glyph);
@@ -415,6 +421,7 @@ private:
     bool m_isDropped = false;
     /// Where text is being printed once more, the character that would be next.
     std::optional<std::size_t> m_reprinted;
+    std::size_t m_comparisons = 0;
 
     // The last glyph, whose characters are not written yet because more may come.
     bool m_hasGlyph = false;
