@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numeric>
 #include <utility>
+#include <vector>
 
 namespace pdf {
 namespace {
@@ -14,6 +17,14 @@ namespace {
 constexpr float sameHeight = 0.3F;
 constexpr float sideOverlap = 0.3F;
 constexpr float spaceGap = 0.15F;
+// The same for lines that come anywhere in the content, which have to be one line to the eye.
+constexpr float sameFeet = 0.15F;
+constexpr float touchingGap = 0.5F;
+constexpr float similarSize = 0.8F;
+
+// What has more pieces than this is no prose.
+constexpr std::size_t mostLines = 3000;
+constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 
 constexpr float sameDirection = 0.999F;
 
@@ -39,6 +50,18 @@ fz_rect boxBetween(const fz_rect& a, const fz_rect& b)
     return box;
 }
 
+bool isTouching(const TextLine& left, const TextLine& right)
+{
+    const float size = std::min(left.size, right.size);
+    const float gap = right.extent.x0 - left.extent.x1;
+    return gap > -size * sideOverlap && gap < size * touchingGap && right.extent.x0 > left.extent.x0 &&
+           size > similarSize * std::max(left.size, right.size) &&
+           left.direction.x * right.direction.x + left.direction.y * right.direction.y >= sameDirection;
+}
+
+/// Lines that are to be one, from left to right, as indices.
+using Chain = std::vector<std::size_t>;
+
 class RowJoiner
 {
 public:
@@ -46,25 +69,38 @@ public:
         : m_text(text)
     {}
 
-    void join()
+    void joinRowsToTheLeft()
     {
-        std::vector<TextLine> lines;
+        std::vector<Chain> chains;
         for (std::size_t start = 0; start < m_text.lines.size();) {
             std::size_t end = start + 1;
             while (end < m_text.lines.size() && isLeftOf(m_text.lines[end], m_text.lines[end - 1]) &&
                    runsToTheRight(m_text.lines[end]) && runsToTheRight(m_text.lines[end - 1]))
                 ++end;
-            // Most pages have nothing to join; theirs stay where they are.
-            if (end - start > 1 && lines.empty())
-                lines.assign(m_text.lines.begin(), m_text.lines.begin() + static_cast<std::ptrdiff_t>(start));
-            if (end - start > 1)
-                lines.push_back(row(start, end));
-            else if (!lines.empty() || m_isChanged)
-                lines.push_back(m_text.lines[start]);
+            if (end - start > 1) {
+                Chain& chain = chains.emplace_back();
+                for (std::size_t i = end; i-- > start;)
+                    chain.push_back(i);
+            }
             start = end;
         }
-        if (m_isChanged)
-            m_text.lines = std::move(lines);
+        join(chains);
+    }
+
+    void joinTouching()
+    {
+        if (m_text.lines.size() < 2 || m_text.lines.size() > mostLines)
+            return;
+        findNeighbours();
+        std::vector<Chain> chains;
+        for (std::size_t i = 0; i < m_text.lines.size(); ++i) {
+            if (m_hasPrevious[i] || m_next[i] == none)
+                continue;
+            Chain& chain = chains.emplace_back();
+            for (std::size_t at = i; at != none; at = m_next[at])
+                chain.push_back(at);
+        }
+        join(chains);
     }
 
 private:
@@ -76,16 +112,84 @@ private:
             [](const TextCharacter& character) { return isRightToLeft(character.code); });
     }
 
-    /// Its characters are added at the end of all.
-    TextLine row(std::size_t start, std::size_t end)
+    /// For each line the one that begins where it ends, at the same height.
+    void findNeighbours()
     {
-        m_isChanged = true;
-        TextLine row = m_text.lines[end - 1];
+        const std::vector<TextLine>& lines = m_text.lines;
+        m_next.assign(lines.size(), none);
+        m_hasPrevious.assign(lines.size(), false);
+        std::vector<std::size_t> byHeight(lines.size());
+        std::iota(byHeight.begin(), byHeight.end(), std::size_t{0});
+        std::sort(byHeight.begin(), byHeight.end(), [&](std::size_t a, std::size_t b) {
+            return lines[a].extent.y1 < lines[b].extent.y1;
+        });
+        for (std::size_t i = 0; i < byHeight.size(); ++i) {
+            const TextLine& line = lines[byHeight[i]];
+            for (std::size_t j = i + 1; j < byHeight.size(); ++j) {
+                const TextLine& other = lines[byHeight[j]];
+                if (other.extent.y1 - line.extent.y1 > line.size * sameFeet)
+                    break;
+                connect(byHeight[i], byHeight[j]);
+                connect(byHeight[j], byHeight[i]);
+            }
+        }
+    }
+
+    void connect(std::size_t left, std::size_t right)
+    {
+        if (m_next[left] != none || m_hasPrevious[right])
+            return;
+        const TextLine& line = m_text.lines[left];
+        const TextLine& next = m_text.lines[right];
+        if (!isTouching(line, next) || isParted(left, right) || !runsToTheRight(line) ||
+            !runsToTheRight(next))
+            return;
+        m_next[left] = right;
+        m_hasPrevious[right] = true;
+    }
+
+    /// Whether a piece at another height is read between the two, such as an exponent.
+    bool isParted(std::size_t left, std::size_t right) const
+    {
+        if (right != left + 2)
+            return false;
+        const TextLine& line = m_text.lines[left];
+        const fz_rect& between = m_text.lines[left + 1].extent;
+        const float slack = line.size * sideOverlap;
+        return between.x0 > line.extent.x1 - slack && between.x1 < m_text.lines[right].extent.x0 + slack;
+    }
+
+    /// Each chain becomes one line in the place of that of its lines which comes first.
+    void join(const std::vector<Chain>& chains)
+    {
+        if (chains.empty())
+            return;
+        std::vector<const Chain*> chainAt(m_text.lines.size(), nullptr);
+        std::vector<bool> isJoined(m_text.lines.size(), false);
+        for (const Chain& chain : chains) {
+            chainAt[*std::min_element(chain.begin(), chain.end())] = &chain;
+            for (const std::size_t index : chain)
+                isJoined[index] = true;
+        }
+        std::vector<TextLine> lines;
+        for (std::size_t i = 0; i < m_text.lines.size(); ++i) {
+            if (chainAt[i])
+                lines.push_back(row(*chainAt[i]));
+            else if (!isJoined[i])
+                lines.push_back(m_text.lines[i]);
+        }
+        m_text.lines = std::move(lines);
+    }
+
+    /// Its characters are added at the end of all.
+    TextLine row(const Chain& chain)
+    {
+        TextLine row = m_text.lines[chain.front()];
         row.first = m_text.characters.size();
-        for (std::size_t i = end; i-- > start;) {
-            const TextLine line = m_text.lines[i];
+        for (const std::size_t index : chain) {
+            const TextLine line = m_text.lines[index];
             for (std::size_t at = line.first; at < line.first + line.count; ++at) {
-                if (at == line.first && i + 1 < end)
+                if (at == line.first && index != chain.front())
                     addSpace(m_text.characters[at], line.size);
                 m_text.characters.push_back(TextCharacter(m_text.characters[at]));
             }
@@ -109,14 +213,18 @@ private:
     }
 
     TextLines& m_text;
-    bool m_isChanged = false;
+    // What follows each line, and whether it follows one.
+    std::vector<std::size_t> m_next;
+    std::vector<bool> m_hasPrevious;
 };
 
 } // namespace
 
 void joinRows(TextLines& text)
 {
-    RowJoiner(text).join();
+    RowJoiner joiner(text);
+    joiner.joinRowsToTheLeft();
+    joiner.joinTouching();
 }
 
 } // namespace pdf

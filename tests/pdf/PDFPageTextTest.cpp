@@ -483,6 +483,22 @@ TEST(PDFPageTextTest, ReadsARowThatIsDrawnFromTheRightFromTheLeft)
     EXPECT_NEAR(boundsOf(*page, {9, 1}).right(), 140, 0.01);
 }
 
+TEST(PDFPageTextTest, JoinsThePiecesOfALineThatAreDrawnApart)
+{
+    // "Insured from " is 70.7 points wide, and 61 is 13.3.
+    const auto page = pageShowing(
+        showText(72, 700, "Insured from ") + showText(72, 686, "Insured from ") + showText(142.7, 700, "61") +
+        showText(142.7, 686, "65") + showText(156.1, 700, " on") + showText(156.1, 686, " to 75"));
+    EXPECT_EQ(page->string(), QStringLiteral("Insured from 61 on\nInsured from 65 to 75\n"));
+}
+
+TEST(PDFPageTextTest, JoinsNoPiecesThatAHighExponentParts)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td (E = mc) Tj /F1 7 Tf 9 Ts (2) Tj /F1 12 Tf 0 Ts (is energy) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("E = mc\n2\nis energy\n"));
+}
+
 TEST(PDFPageTextTest, OrdersTheLinesOfAPageThatIsShownTurned)
 {
     // Written so that it stands upright once the page is turned.
