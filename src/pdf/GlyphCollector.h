@@ -48,11 +48,19 @@ public:
     void begin(const GlyphRun& run);
     /// False when there are more glyphs than any page has.
     bool add(const Glyph& glyph);
+    /// Puts the text, which is UTF-8, in the place of the glyphs from this one on: over the whole stretch
+    /// that they cover, or, where that goes over several lines, over each line's in proportion to its glyphs.
+    /// False when there is too much text; then all is as it was.
+    bool replaceFrom(std::size_t first, const char* text);
 
     const std::vector<GlyphRun>& runs() const { return m_runs; }
     const std::vector<Glyph>& glyphs() const { return m_glyphs; }
 
 private:
+    struct Stretch;
+
+    std::vector<Stretch> stretchesFrom(std::size_t first) const;
+
     std::vector<GlyphRun> m_runs;
     std::vector<Glyph> m_glyphs;
 };

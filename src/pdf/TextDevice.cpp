@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/TextDevice.h"
 
+#include "pdf/ActualText.h"
 #include "pdf/Engine.h"
 #include "pdf/Limits.h"
 #include "pdf/MuPDFVersion.h"
@@ -12,6 +13,12 @@
 
 namespace pdf {
 namespace {
+
+// What MuPDF says for an unknown character.
+constexpr int replacementCharacter = 0xFFFD;
+
+// MuPDF gives glyphs without an outline a box that is not quite empty; for a font of size 1.
+constexpr float leastInk = 1e-3F;
 
 /// Remembers the advances of a font's glyphs in horizontal writing. MuPDF does so as well, but takes a lock
 /// that all threads share for every glyph.
@@ -120,6 +127,15 @@ bool isVisible(fz_rect box, const fz_rect& visible)
     fz_throw(ctx, FZ_ERROR_ABORT, "the page has too much text");
 }
 
+/// A glyph that the document has no character for and that shows nothing parts words all the same.
+bool isUnnamedSpace(fz_context* ctx, fz_font* font, const fz_text_item& item)
+{
+    if (item.ucs != replacementCharacter || item.gid < 0 || fz_font_t3_procs(ctx, font))
+        return false;
+    const fz_rect box = fz_bound_glyph(ctx, font, item.gid, fz_identity);
+    return !(box.x1 - box.x0 > leastInk) && !(box.y1 - box.y0 > leastInk);
+}
+
 void addSpan(fz_context* ctx, TextDevice* device, const fz_text_span* span, fz_matrix ctm)
 {
     const GlyphRun run = runOf(ctx, span, ctm);
@@ -137,7 +153,7 @@ void addSpan(fz_context* ctx, TextDevice* device, const fz_text_span* span, fz_m
         const fz_text_item& item = span->items[i];
         const fz_point foot = fz_transform_point({item.x, item.y}, ctm);
         Glyph glyph;
-        glyph.character = item.ucs;
+        glyph.character = isUnnamedSpace(ctx, span->font, item) ? ' ' : item.ucs;
         glyph.isContinuation = item.gid < 0;
         glyph.start = {foot.x + toLine.x, foot.y + toLine.y};
         if (item.gid >= 0)
@@ -266,6 +282,7 @@ void collectGlyphs(
     const PageGeometry geometry = page.geometry();
     fz_device* device = newTextDevice(ctx, collector, geometry.displayRect);
     pdf_processor* processor = nullptr;
+    ActualText actualText;
     fz_var(processor);
     fz_try(ctx)
     {
@@ -273,6 +290,7 @@ void collectGlyphs(
         pdf_obj* contents = pdf_dict_get(ctx, page.object, PDF_NAME(Contents));
         processor =
             pdf_new_run_processor(ctx, device, geometry.pageToDisplay, "View", nullptr, nullptr, cookie);
+        actualText.attach(processor, collector);
         keepTextOperators(processor);
         pdf_process_contents(ctx, processor, document, resources, contents, cookie);
         pdf_close_processor(ctx, processor);
@@ -280,6 +298,7 @@ void collectGlyphs(
     }
     fz_always(ctx)
     {
+        actualText.detach(ctx);
         pdf_drop_processor(ctx, processor);
         fz_drop_device(ctx, device);
     }

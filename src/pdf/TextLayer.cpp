@@ -2,7 +2,9 @@
 #include "pdf/TextLayer.h"
 
 #include "pdf/ReadingOrder.h"
+#include "pdf/TextColumns.h"
 #include "pdf/TextLines.h"
+#include "pdf/TextRows.h"
 
 #include <QLineF>
 #include <QTextBoundaryFinder>
@@ -88,7 +90,9 @@ double distanceOutside(double value, double from, double to)
 
 TextLayer::TextLayer(const GlyphCollector& glyphs, const QTransform& displayToPage)
 {
-    const TextLines text = textLines(glyphs);
+    TextLines text = textLines(glyphs);
+    joinRows(text);
+    splitColumns(text);
     const fz_matrix matrix = {float(displayToPage.m11()), float(displayToPage.m12()),
                               float(displayToPage.m21()), float(displayToPage.m22()),
                               float(displayToPage.dx()),  float(displayToPage.dy())};

@@ -2,6 +2,7 @@
 #include "pdf/TextLines.h"
 
 #include "pdf/BidiOrder.h"
+#include "pdf/LetterSpacing.h"
 
 #include <QChar>
 #include <QList>
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -26,6 +28,15 @@ constexpr float sameLineOffset = 0.3F;
 constexpr float twicePrintedOffset = 0.15F;
 constexpr float coreHeight = 0.5F;
 constexpr float leftwardGap = 4.0F;
+
+// A line that is printed once more comes within so many lines.
+constexpr std::size_t linesToReprint = 64;
+// Looking for what is printed already ends after so many comparisons on a page; pages of text need some
+// thousands. What a hostile one prints twice after that stays there twice.
+constexpr std::size_t mostComparisons = 20'000'000;
+
+// Gaps that are so few characters apart make one-letter words, or spaced letters.
+constexpr std::size_t closeGaps = 3;
 
 // Directions whose cosine is above this are the same.
 constexpr float sameDirection = 0.999F;
@@ -118,12 +129,20 @@ public:
     void add(const GlyphRun& run, const Glyph& glyph)
     {
         if (glyph.character < 0) {
-            widenLastGlyph(run, glyph);
+            if (!m_isDropped)
+                widenLastGlyph(run, glyph);
         } else if (glyph.isContinuation && m_hasGlyph) {
+            if (m_isDropped)
+                return;
             flushLast();
             m_cluster.push_back(textCharacter(glyph.character));
-        } else if (!isPrintedTwice(run, glyph)) {
-            place(run, glyph);
+        } else {
+            const float gap = m_hasGlyph ? gapBefore(glyph) : 0;
+            const bool continues = m_hasGlyph && goesOn(run, glyph, gap);
+            m_isDropped = isPrintedTwice(run, glyph, continues, gap);
+            if (m_isDropped)
+                return;
+            place(run, glyph, continues, gap);
             m_run = &run;
             m_glyph = glyph;
             m_code = textCharacter(glyph.character);
@@ -149,30 +168,87 @@ private:
             m_glyph.start.y + m_run->direction.y * m_glyph.advance};
     }
 
-    bool isPrintedTwice(const GlyphRun& run, const Glyph& glyph) const
+    /// Some writers make text bold by printing it twice: each letter, each word or each line.
+    bool isPrintedTwice(const GlyphRun& run, const Glyph& glyph, bool continues, float gap)
     {
-        if (!m_hasGlyph || glyph.character != m_glyph.character || m_glyph.advance <= 0)
+        // What goes on to the right lies where nothing is yet.
+        const bool isAhead = continues && gap > -run.size * overlapLimit;
+        if (!m_hasGlyph || (isAhead && !m_reprinted))
             return false;
+        const float limit = std::min(run.size * twicePrintedOffset, glyph.advance / 2);
         const fz_point offset = minus(glyph.start, m_glyph.start);
-        const float limit = std::min(run.size * twicePrintedOffset, m_glyph.advance / 2);
-        return std::fabs(offset.x) < limit && std::fabs(offset.y) < limit;
+        if (glyph.character == m_glyph.character && std::fabs(offset.x) < limit &&
+            std::fabs(offset.y) < limit)
+            return true;
+        if (m_reprinted && isReprinted(run, glyph, limit))
+            return true;
+        m_reprinted.reset();
+        if (isAhead)
+            return false;
+        m_reprinted = findPrinted(run, glyph, limit);
+        return m_reprinted.has_value();
+    }
+
+    /// Whether the glyph is the next one of those that are printed already.
+    bool isReprinted(const GlyphRun& run, const Glyph& glyph, float limit)
+    {
+        flush();
+        const char32_t code = textCharacter(glyph.character);
+        std::size_t& next = *m_reprinted;
+        while (next < characters().size() && characters()[next].code == ' ' && code != ' ')
+            ++next;
+        if (next >= characters().size() || !isAt(characters()[next], code, glyphBox(run, glyph), limit))
+            return false;
+        ++next;
+        return true;
+    }
+
+    bool isAt(const TextCharacter& character, char32_t code, const fz_rect& box, float limit) const
+    {
+        return character.code == code && std::fabs(character.box.x0 - box.x0) < limit &&
+               std::fabs(character.box.y1 - box.y1) < limit;
+    }
+
+    /// The character after the one that stands where this one is to be printed.
+    std::optional<std::size_t> findPrinted(const GlyphRun& run, const Glyph& glyph, float limit)
+    {
+        const char32_t code = textCharacter(glyph.character);
+        const fz_rect box = glyphBox(run, glyph);
+        const std::vector<TextLine>& lines = m_result.lines;
+        std::size_t end = m_result.characters.size();
+        for (std::size_t i = lines.size(); i > 0 && i + linesToReprint > lines.size(); --i) {
+            if (m_comparisons > mostComparisons)
+                return std::nullopt;
+            ++m_comparisons;
+            const TextLine& line = lines[i - 1];
+            const float from = dot(glyph.start, line.direction);
+            const float foot = dot(glyph.start, quarterTurned(line.direction));
+            if (from > line.extent.x0 - limit && from < line.extent.x1 && foot > line.extent.y0 &&
+                foot < line.extent.y1 + limit) {
+                for (std::size_t at = line.first; at < end; ++at, ++m_comparisons) {
+                    if (isAt(m_result.characters[at], code, box, limit))
+                        return at + 1;
+                }
+            }
+            end = line.first;
+        }
+        return std::nullopt;
     }
 
     /// Opens a new line for the glyph, or bridges the gap to the last one.
-    void place(const GlyphRun& run, const Glyph& glyph)
+    void place(const GlyphRun& run, const Glyph& glyph, bool continues, float gap)
     {
         if (m_hasGlyph && goesOnLeftwards(run, glyph)) {
             flush();
             m_isScattered = true;
-        } else if (m_hasGlyph && goesOn(run, glyph)) {
-            const float gap = gapBefore(glyph);
+        } else if (continues) {
             if (gap < -run.size * overlapLimit && gap > -m_glyph.advance && !isMark(glyph.character))
                 m_glyph.advance += gap;
             flush();
             const bool isSpaced = glyph.character == ' ' || line().first == characters().size() ||
                                   characters().back().code == ' ';
             if (gap > run.size * spaceGap && !isSpaced && !m_isScattered)
-                addCharacter(' ', *m_run, {' ', end(), gap, false});
+                addGap(gap, run.size);
         } else {
             flush();
             endLine();
@@ -184,6 +260,15 @@ private:
             line().foot = -farAway;
         }
         extendLine(run, glyph);
+    }
+
+    void addGap(float gap, float size)
+    {
+        const std::size_t position = characters().size() - line().first;
+        if (!m_gaps.empty() && position - m_gaps.back().position <= closeGaps)
+            ++m_closeGapCount;
+        m_gaps.push_back({position, gap, size});
+        addCharacter(' ', *m_run, {' ', end(), gap, false});
     }
 
     /// From where the last glyph ends to where the next one starts. Where a font tells other widths than the
@@ -205,13 +290,12 @@ private:
         return std::fabs(dot(minus(glyph.start, m_glyph.start), across));
     }
 
-    bool goesOn(const GlyphRun& run, const Glyph& glyph) const
+    bool goesOn(const GlyphRun& run, const Glyph& glyph, float gap) const
     {
         if (!hasLinesDirection(run))
             return false;
         const TextLine& last = m_result.lines.back();
         const float size = std::max(run.size, m_run->size);
-        const float gap = gapBefore(glyph);
         // Right after the last glyph a superscript is welcome.
         const bool isForward = dot(minus(glyph.start, m_glyph.start), last.direction) > 0;
         if (gap < nearGap * size && (isForward || gap > -nearGap * size))
@@ -241,6 +325,7 @@ private:
         const float from = dot(glyph.start, line().direction);
         const float foot = dot(glyph.start, quarterTurned(line().direction));
         fz_rect& extent = line().extent;
+        line().size = std::max(line().size, run.size);
         extent.x0 = std::min(extent.x0, from);
         extent.x1 = std::max(extent.x1, from + glyph.advance);
         extent.y0 = std::min(extent.y0, foot - run.size * coreHeight);
@@ -252,7 +337,7 @@ private:
     /// The last character has one more glyph.
     void widenLastGlyph(const GlyphRun& run, const Glyph& glyph)
     {
-        if (!m_hasGlyph || !goesOn(run, glyph))
+        if (!m_hasGlyph || !goesOn(run, glyph, gapBefore(glyph)))
             return;
         m_glyph.advance += glyph.advance;
         extendLine(run, glyph);
@@ -300,6 +385,10 @@ private:
     {
         if (m_result.lines.empty())
             return;
+        if (m_closeGapCount > 1)
+            joinSpacedLetters(characters(), line().first, m_gaps);
+        m_gaps.clear();
+        m_closeGapCount = 0;
         if (m_hasRightToLeft)
             orderLine();
         m_hasRightToLeft = false;
@@ -307,8 +396,6 @@ private:
         line().count = characters().size() - line().first;
         if (line().count == 0)
             m_result.lines.pop_back();
-        else
-            dropLinePrintedTwice();
     }
 
     void orderLine()
@@ -322,31 +409,19 @@ private:
         characters().insert(characters().end(), ordered.begin(), ordered.end());
     }
 
-    /// Some writers make text bold by printing it twice, a line at a time.
-    void dropLinePrintedTwice()
-    {
-        if (m_result.lines.size() < 2)
-            return;
-        TextLine& before = *std::prev(m_result.lines.end(), 2);
-        const std::size_t common = std::min(before.count, line().count);
-        const float limit = (line().foot - line().top) * twicePrintedOffset;
-        for (std::size_t i = 0; i < common; ++i) {
-            const TextCharacter& a = characters()[before.first + i];
-            const TextCharacter& b = characters()[line().first + i];
-            if (a.code != b.code || std::fabs(a.box.x0 - b.box.x0) > limit ||
-                std::fabs(a.box.y1 - b.box.y1) > limit)
-                return;
-        }
-        // The longer of the two stays.
-        if (before.count < line().count)
-            before = line();
-        m_result.lines.pop_back();
-    }
-
     TextLines m_result;
     /// The current line has right-to-left letters, and some that were placed to the left of others.
     bool m_hasRightToLeft = false;
     bool m_isScattered = false;
+    /// The spaces in the current line that bridge gaps, and how many of them have another one close by.
+    std::vector<LetterGap> m_gaps;
+    std::size_t m_closeGapCount = 0;
+
+    /// The last glyph was printed before and is not taken again, with all that belongs to it.
+    bool m_isDropped = false;
+    /// Where text is being printed once more, the character that would be next.
+    std::optional<std::size_t> m_reprinted;
+    std::size_t m_comparisons = 0;
 
     // The last glyph, whose characters are not written yet because more may come.
     bool m_hasGlyph = false;

@@ -37,6 +37,8 @@ struct TextLine
     /// From the top of the highest letter to the foot of the lowest, across the direction of writing.
     float top = 0;
     float foot = 0;
+    /// The largest font size.
+    float size = 0;
 };
 
 struct TextLines
@@ -48,9 +50,10 @@ struct TextLines
 
 /// Puts glyphs together to lines. A line goes on as long as the next glyph stands on the same line of writing
 /// and not before the last one (right-to-left letters may also follow to the left of the line); a gap becomes
-/// a space. Ligatures and presentation forms become letters that share the glyph's width, all white space
-/// becomes plain spaces, and control characters go. Text that is printed twice to look bold is taken once.
-/// The characters of a line come in the order in which they are read, right-to-left text included.
+/// a space, unless the letters are spaced as wide as that. Ligatures and presentation forms become letters
+/// that share the glyph's width, all white space becomes plain spaces, and control characters go. Text that
+/// is printed twice to look bold, be it by letters, words or lines, is taken once. The characters of a line
+/// come in the order in which they are read, right-to-left text included.
 TextLines textLines(const GlyphCollector& text);
 
 } // namespace pdf

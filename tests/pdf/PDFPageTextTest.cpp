@@ -115,6 +115,158 @@ TEST(PDFPageTextTest, TakesALetterThatIsPrintedTwiceOnce)
     EXPECT_EQ(page->string(), QStringLiteral("AA\n"));
 }
 
+TEST(PDFPageTextTest, TakesWordsThatArePrintedTwiceOnce)
+{
+    const auto page = pageShowing(
+        showText(72, 700, "This ") + showText(96.7, 700, "agreement") + showText(96.9, 700, "agreement ") +
+        showText(156.7, 700, "hereby") + showText(156.9, 700, "hereby"));
+    EXPECT_EQ(page->string(), QStringLiteral("This agreement hereby\n"));
+}
+
+TEST(PDFPageTextTest, TakesALineThatIsPrintedAgainAfterOthersOnce)
+{
+    const auto page = pageShowing(
+        showText(72, 700, "First line") + showText(72, 680, "Second line") +
+        showText(72.3, 700, "First line") + showText(72.3, 680, "Second line, at length"));
+    EXPECT_EQ(page->string(), QStringLiteral("First line\nSecond line, at length\n"));
+}
+
+TEST(PDFPageTextTest, TakesALigatureThatIsPrintedTwiceOnce)
+{
+    const auto page = pageWithMap(
+        "<41> <006600660069>", "BT /F2 12 Tf 72 700 Td (A) Tj 0.3 0 Td (A) Tj 7.7 0 Td (B) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("ffiB\n"));
+}
+
+TEST(PDFPageTextTest, KeepsLettersThatStandOnOneAnotherFurtherApart)
+{
+    const auto page = pageShowing(showText(72, 700, "Shadow") + showText(74.5, 697, "Shadow"));
+    EXPECT_EQ(page->string(), QStringLiteral("Shadow\nShadow\n"));
+}
+
+TEST(PDFPageTextTest, ReadsAnUnnamedGlyphThatShowsNothingAsASpace)
+{
+    const auto page = pageWithMap("<20> <FFFD> <41> <FFFD>", "BT /F2 12 Tf 72 700 Td (one two A) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("one two \uFFFD\n"));
+}
+
+// Spaced letters
+
+TEST(PDFPageTextTest, ReadsSpacedLettersAsWords)
+{
+    const auto page = pageShowing("BT /F1 12 Tf 3 Tc 72 700 Td (Property tax) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Property tax\n"));
+}
+
+TEST(PDFPageTextTest, ReadsUnevenlySpacedLettersAsWords)
+{
+    // Some of the gaps are wider than narrow spaces are elsewhere, others are not.
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(P) -160 (r) -140 (o) -165 (p) -155 (e) -160 (r) -130 (t) -145 (y) -450 "
+        "(T) -160 (a) -140 (x)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Property Tax\n"));
+}
+
+TEST(PDFPageTextTest, ReadsAnEvenlySpacedWordAsOne)
+{
+    const auto page = pageShowing("BT /F1 12 Tf 4 Tc 72 700 Td (INVOICE) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("INVOICE\n"));
+}
+
+TEST(PDFPageTextTest, KeepsFiguresAndFewLettersThatStandAloneApart)
+{
+    const auto figures =
+        pageShowing("BT /F1 12 Tf 72 700 Td [(1) -300 (2) -300 (3) -300 (4) -300 (5)] TJ ET");
+    EXPECT_EQ(figures->string(), QStringLiteral("1 2 3 4 5\n"));
+    const auto letters = pageShowing("BT /F1 12 Tf 72 700 Td [(a) -300 (b) -300 (c) -300 (d)] TJ ET");
+    EXPECT_EQ(letters->string(), QStringLiteral("a b c d\n"));
+}
+
+TEST(PDFPageTextTest, KeepsShortWordsApart)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(2018) -250 (a) -250 (1) -250 (b) -250 (30) -250 (c) -250 (4)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("2018 a 1 b 30 c 4\n"));
+}
+
+TEST(PDFPageTextTest, KeepsTheWordsBeforeALeaderOfDotsApart)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(The) -300 (first) -300 (part) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) "
+        "-300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (.) -300 (7)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("The first part . . . . . . . . . . . . 7\n"));
+}
+
+// Replacement text
+
+TEST(PDFPageTextTest, ReadsTheActualTextInsteadOfTheGlyphs)
+{
+    const auto page =
+        pageShowing("BT /F1 12 Tf 72 700 Td (Dru) Tj /Span <</ActualText (c)>> BDC (k-) Tj EMC (ker) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Drucker\n"));
+}
+
+TEST(PDFPageTextTest, SpreadsTheActualTextOverTheGlyphs)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td (AB) Tj /Span <</ActualText <FEFF006100E90063>>> BDC (XX) Tj EMC (C) Tj ET");
+    ASSERT_EQ(page->string(), QStringLiteral("ABa\u00E9cC\n"));
+    // A and B are 8.004 points wide, and so are both Xs.
+    const double start = 72 + 2 * 8.004;
+    for (int i = 0; i < 3; ++i) {
+        const QRectF box = boundsOf(*page, {2 + i, 1});
+        EXPECT_NEAR(box.left(), start + i * 5.336, 0.01);
+        EXPECT_NEAR(box.width(), 5.336, 0.01);
+    }
+    EXPECT_NEAR(boundsOf(*page, {5, 1}).left(), start + 16.008, 0.01);
+    EXPECT_EQ(page->characterIndex({start + 6, 703}), 3);
+    EXPECT_EQ(page->selection({2, 3})->string(), QStringLiteral("a\u00E9c"));
+}
+
+TEST(PDFPageTextTest, ReadsTheActualTextOfAPropertyList)
+{
+    PDFWriter writer;
+    writer.setResources("/Properties<</P1 <</ActualText (Signature)>>>>");
+    writer.addPage("/Span /P1 BDC " + showText(72, 700, "xyz") + "EMC " + showText(72, 680, "Date"));
+    EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("Signature\nDate\n"));
+}
+
+TEST(PDFPageTextTest, TakesTheOuterOfTwoActualTexts)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td /Span <</ActualText (outer)>> BDC (a) Tj /Span <</ActualText (inner)>> BDC "
+        "(b) Tj EMC /Other BMC (c) Tj EMC EMC (d) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("outerd\n"));
+}
+
+TEST(PDFPageTextTest, LeavesOutGlyphsWhoseActualTextIsEmpty)
+{
+    const auto page = pageShowing(
+        showText(72, 700, "Text") + "/Span <</ActualText ()>> BDC " + showText(72, 650, "****") + "EMC ");
+    EXPECT_EQ(page->string(), QStringLiteral("Text\n"));
+}
+
+TEST(PDFPageTextTest, SharesAnActualTextOverLinesOut)
+{
+    const auto page = pageShowing(
+        "/Span <</ActualText (abcdefghi)>> BDC " + showText(72, 700, "xxxxxx") + showText(72, 680, "xxx") +
+        "EMC ");
+    EXPECT_EQ(page->string(), QStringLiteral("abcdef\nghi\n"));
+}
+
+TEST(PDFPageTextTest, EndsWithAFormTheActualTextThatItLeavesOpen)
+{
+    PDFWriter writer;
+    const int font = writer.add("<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>");
+    const QByteArray entries = "/Type/XObject/Subtype/Form/BBox[0 0 612 792]/Resources<</Font<</F1 " +
+                               QByteArray::number(font) + " 0 R>>>>";
+    const int open = writer.addStream(
+        "EMC EMC /Span <</ActualText (replaced)>> BDC " + showText(72, 700, "shown"), entries);
+    writer.setResources("/XObject<</X " + QByteArray::number(open) + " 0 R>>");
+    writer.addPage("/X Do " + showText(72, 680, "after") + "EMC EMC " + showText(72, 660, "end"));
+    EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("replaced\nafter\nend\n"));
+}
+
 TEST(PDFPageTextTest, ReadsFormsButNotAnnotations)
 {
     PDFWriter writer;
@@ -201,6 +353,150 @@ TEST(PDFPageTextTest, MovesNoColumnForAHeadingOfTheOtherThatIsDrawnLast)
         showText(72, 600, "Left one") + showText(72, 580, "left two") + showText(330, 600, "Right one") +
         showText(330, 580, "right two") + showText(72, 640, "Heading"));
     EXPECT_EQ(page->string(), QStringLiteral("Heading\nLeft one\nleft two\nRight one\nright two\n"));
+}
+
+const std::vector<std::vector<const char*>> newspaper = {
+    {"The council has met on", "Rain is expected over", "Prices of bread have"},
+    {"Monday to talk about the", "the weekend, and more", "gone up once again this"},
+    {"new bridge, which is to", "of it on Monday, when", "month, as the harvest"},
+    {"be built across the river", "the wind will turn to the", "in the north was a poor"},
+    {"before the next winter.", "west for some days.", "one after the drought."},
+};
+
+/// The columns' lines one column after the other.
+QString byColumns(const std::vector<std::vector<const char*>>& rows)
+{
+    QString text;
+    for (std::size_t column = 0; column < rows.front().size(); ++column) {
+        for (const auto& row : rows)
+            text += QLatin1String(row[column]) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+/// Rows of cells 180 points apart. The second column may lie a little lower.
+QByteArray drawnByRows(const std::vector<std::vector<const char*>>& rows, double lower = 0)
+{
+    QByteArray content;
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < rows[row].size(); ++column) {
+            const double y = 700 - 14.0 * static_cast<double>(row) - (column == 1 ? lower : 0);
+            content += showText(40 + 180.0 * static_cast<double>(column), y, rows[row][column]);
+        }
+    }
+    return content;
+}
+
+TEST(PDFPageTextTest, ReadsColumnsThatAreDrawnRowByRowOneAfterTheOther)
+{
+    const auto page = pageShowing(
+        showText(40, 740, "News of the week that reach over all of the columns and all of the page") +
+        drawnByRows(newspaper) +
+        showText(40, 600, "The last line reaches over all of the columns, too, of it"));
+    EXPECT_EQ(
+        page->string(),
+        QStringLiteral("News of the week that reach over all of the columns and all of the page\n") +
+            byColumns(newspaper) +
+            QStringLiteral("The last line reaches over all of the columns, too, of it\n"));
+}
+
+TEST(PDFPageTextTest, ReadsColumnsWhoseLinesAreNotAtTheSameHeightOneAfterTheOther)
+{
+    EXPECT_EQ(pageShowing(drawnByRows(newspaper, 5))->string(), byColumns(newspaper));
+}
+
+TEST(PDFPageTextTest, FindsAndSelectsWhatGoesOverTheLinesOfAColumn)
+{
+    const auto page = pageShowing(drawnByRows(newspaper));
+    const QString phrase = QStringLiteral("weekend, and more\nof it on");
+    const qsizetype start = page->string()->indexOf(phrase);
+    ASSERT_GE(start, 0);
+    const auto selection = page->selection({start, phrase.size()});
+    EXPECT_EQ(selection->string(), phrase);
+    const std::vector<QRectF> lines = selection->lineBounds(*page);
+    ASSERT_EQ(lines.size(), 2U);
+    for (const QRectF& line : lines) {
+        EXPECT_GE(line.left(), 219.9);
+        EXPECT_LT(line.right(), 400);
+    }
+    const auto found = page->document()->findString(QStringLiteral("more of it on Monday"), {});
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found.front().string(), QStringLiteral("more\nof it on Monday"));
+    EXPECT_EQ(page->characterIndex(lines[1].center()) > start, true);
+}
+
+TEST(PDFPageTextTest, KeepsTheRowsOfATableWhole)
+{
+    const std::vector<std::vector<const char*>> bill = {
+        {"Invoice date", "3 March 2024", "Page 1"},      {"Due date", "2 April 2024", "net 30 days"},
+        {"Amount due", "$ 1,204.50", "incl. tax"},       {"Account number", "4711-0815", "by transfer"},
+        {"Reference", "RF18 5390 0754", "please quote"},
+    };
+    QString rows;
+    for (const auto& row : bill)
+        rows += QStringLiteral("%1 %2 %3\n")
+                    .arg(QLatin1String(row[0]), QLatin1String(row[1]), QLatin1String(row[2]));
+    EXPECT_EQ(pageShowing(drawnByRows(bill))->string(), rows);
+}
+
+TEST(PDFPageTextTest, KeepsLabelsAndTheFiguresAfterThemOnOneLine)
+{
+    const auto page = pageShowing(
+        showText(40, 700, "the amount that is due for this month") + showText(330, 700, "1,204.50 EUR") +
+        showText(40, 686, "the amount that was due and not paid") + showText(330, 686, "96.10 EUR") +
+        showText(40, 672, "the fee for the reminder of last month") + showText(330, 672, "5.00 EUR") +
+        showText(40, 658, "what is to be paid altogether by then") + showText(330, 658, "1,305.60 EUR"));
+    EXPECT_EQ(
+        page->string(), QStringLiteral("the amount that is due for this month 1,204.50 EUR\n"
+                                       "the amount that was due and not paid 96.10 EUR\n"
+                                       "the fee for the reminder of last month 5.00 EUR\n"
+                                       "what is to be paid altogether by then 1,305.60 EUR\n"));
+}
+
+TEST(PDFPageTextTest, KeepsTheLinesAroundAHoleInAParagraph)
+{
+    const QByteArray through =
+        "one line of a paragraph that runs from the left to the right of the page, all "
+        "of it";
+    const auto page = pageShowing(
+        showText(40, 700, through) + showText(40, 686, "here a redaction takes some words") +
+        showText(330, 686, "away from the line, and so it") +
+        showText(40, 672, "does here, where the text goes on") +
+        showText(330, 672, "behind it to the end and") +
+        showText(40, 658, "here, for the third and the last time") +
+        showText(330, 658, "of all lines that it hits;") + showText(40, 644, through));
+    EXPECT_EQ(page->string()->count(QLatin1Char('\n')), 5) << page->string()->toStdString();
+    EXPECT_TRUE(page->string()->contains(QStringLiteral("takes some words away from the line")));
+}
+
+TEST(PDFPageTextTest, ReadsARowThatIsDrawnFromTheRightFromTheLeft)
+{
+    const auto page = pageShowing(
+        showText(140, 700, "19 April 2014") + showText(72, 700, "Due date:") +
+        showText(400, 680, "37,499.96") + showText(220, 680, "District director") +
+        showText(72, 680, "Bain, J."));
+    EXPECT_EQ(
+        page->string(), QStringLiteral("Due date: 19 April 2014\nBain, J. District director 37,499.96\n"));
+    EXPECT_NEAR(boundsOf(*page, {0, 3}).left(), 72, 0.01);
+    EXPECT_NEAR(boundsOf(*page, {10, 2}).left(), 140, 0.01);
+    // The space between the two.
+    EXPECT_NEAR(boundsOf(*page, {9, 1}).right(), 140, 0.01);
+}
+
+TEST(PDFPageTextTest, JoinsThePiecesOfALineThatAreDrawnApart)
+{
+    // "Insured from " is 70.7 points wide, and 61 is 13.3.
+    const auto page = pageShowing(
+        showText(72, 700, "Insured from ") + showText(72, 686, "Insured from ") + showText(142.7, 700, "61") +
+        showText(142.7, 686, "65") + showText(156.1, 700, " on") + showText(156.1, 686, " to 75"));
+    EXPECT_EQ(page->string(), QStringLiteral("Insured from 61 on\nInsured from 65 to 75\n"));
+}
+
+TEST(PDFPageTextTest, JoinsNoPiecesThatAHighExponentParts)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td (E = mc) Tj /F1 7 Tf 9 Ts (2) Tj /F1 12 Tf 0 Ts (is energy) Tj ET");
+    EXPECT_EQ(page->string(), QStringLiteral("E = mc\n2\nis energy\n"));
 }
 
 TEST(PDFPageTextTest, OrdersTheLinesOfAPageThatIsShownTurned)
