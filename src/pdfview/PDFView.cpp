@@ -20,6 +20,7 @@
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -201,11 +202,12 @@ void PDFView::fitWidth()
     const int room = maximumViewportSize().width() - verticalScrollBar()->sizeHint().width() - 2 * pageGap;
     const double factor = std::clamp(
         room / m_viewport.layout().pageSize(m_fittedPage).width(), lowestScale, largestScaleFactor);
-    if (factor == m_scaleFactor)
-        return;
+    const bool isChanged = factor != m_scaleFactor;
     m_scaleFactor = factor;
     applyScale();
-    Q_EMIT scaleChanged();
+    m_viewport.bringAcross(m_fittedPage);
+    if (isChanged)
+        Q_EMIT scaleChanged();
 }
 
 void PDFView::zoom(double factor, QPointF viewPoint)
@@ -306,12 +308,18 @@ void PDFView::outdateTiles(int page)
 
 void PDFView::updateScrollBars()
 {
-    m_isMovingBars = true;
+    // A bar that comes or goes resizes the viewport, which leads here again.
+    const QScopedValueRollback moving(m_isMovingBars, true);
+    // It depends on the whole document rather than on what is visible, so that it does not come and go while
+    // pages of many widths are scrolled.
+    const auto policy = m_viewport.isWiderThanView() ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff;
+    if (horizontalScrollBarPolicy() != policy)
+        setHorizontalScrollBarPolicy(policy);
     const qint64 most = std::max(m_viewport.maximumX(), m_viewport.maximumY());
     m_barUnit = most / std::numeric_limits<int>::max() + 1;
     const auto steps = [this](qint64 pixels) { return static_cast<int>(pixels / m_barUnit); };
     const int lineStep = steps(std::llround(48 * m_devicePixelRatio));
-    horizontalScrollBar()->setRange(0, steps(m_viewport.maximumX()));
+    horizontalScrollBar()->setRange(steps(m_viewport.minimumX()), steps(m_viewport.maximumX()));
     horizontalScrollBar()->setPageStep(steps(m_viewport.size().width()));
     horizontalScrollBar()->setSingleStep(lineStep);
     horizontalScrollBar()->setValue(steps(m_viewport.x()));
@@ -319,7 +327,6 @@ void PDFView::updateScrollBars()
     verticalScrollBar()->setPageStep(steps(m_viewport.size().height()));
     verticalScrollBar()->setSingleStep(lineStep);
     verticalScrollBar()->setValue(steps(m_viewport.y()));
-    m_isMovingBars = false;
 }
 
 void PDFView::scrollContentsBy(int, int)

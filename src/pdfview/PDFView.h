@@ -116,7 +116,7 @@ public:
     /// Scrolls by view points, at once or smoothly.
     void scrollBy(QPointF distance);
     void scrollSmoothlyBy(QPointF distance);
-    bool canScrollSideways() const { return m_viewport.maximumX() > 0; }
+    bool canScrollSideways() const { return m_viewport.maximumX() > m_viewport.minimumX(); }
 
     const PageViewport& pageViewport() const { return m_viewport; }
     /// The page's place in the viewport, in view points.

@@ -153,6 +153,36 @@ TEST_F(PDFViewTest, FitsTheCurrentPageIntoItsWidthUntilItIsZoomed)
     EXPECT_FALSE(m_view->autoScales());
 }
 
+TEST_F(PDFViewTest, FitsAPageThatWasPushedOutOfTheWindow)
+{
+    PDFWriter writer;
+    for (const int width : {300, 1200, 300})
+        addColouredPage(writer, colorOfPage(0), {width, 200});
+    show(writer.bytes());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->canScrollSideways(); }));
+    const auto isInside = [&](int page) {
+        const QRectF rect = m_view->pageRect(page);
+        return rect.left() >= 0 && rect.right() <= m_view->viewport()->width();
+    };
+    for (int i = 0; i < 2; ++i) {
+        m_view->scrollBy({5000, 0});
+        ASSERT_FALSE(isInside(0));
+        ASSERT_EQ(m_view->currentPageIndex(), 0);
+        m_view->setAutoScales(true);
+        EXPECT_TRUE(isInside(0)) << "at the scale of " << m_view->scaleFactor();
+    }
+}
+
+TEST_F(PDFViewTest, FitsTheCurrentPageWhereOtherPagesFillTheView)
+{
+    show(colouredDocument(9, {300, 60}));
+    ASSERT_EQ(m_view->currentPageIndex(), 0);
+    m_view->resize(1400, 500);
+    m_view->setAutoScales(true);
+    EXPECT_GE(m_view->pageRect(0).bottom(), 0) << "the page that is fitted is above the view";
+    EXPECT_EQ(m_view->currentPageIndex(), 0);
+}
+
 TEST_F(PDFViewTest, TellsWhenTheScaleChangesAndOnlyThen)
 {
     show(colouredDocument(1));
