@@ -107,8 +107,12 @@ recordList(PageHandle& handle, RunFunction run, const Cancellation& cancellation
     CookieScope scope(cancellation);
     // What could not be written waits for the next attempt; the rest is shown all the same.
     static_cast<void>(handle.document.annotations.flush(scope));
-    if (auto error = engine::attempt(
-            scope, [&](fz_context* ctx) { list->list = record(ctx, handle, run, scope.cookie()); }))
+    const auto error = engine::attempt(
+        scope, [&](fz_context* ctx) { list->list = record(ctx, handle, run, scope.cookie()); });
+    // Content that ends too early looks like a page with little on it, so what was recorded proves nothing.
+    if (!handle.document.source->isReadable())
+        return changedMeanwhile();
+    if (error)
         return *error;
     return list;
 }
@@ -200,7 +204,7 @@ std::shared_ptr<const TextLayer> PDFPage::text(const Cancellation& cancellation)
         const auto error = engine::attempt(scope, [&](fz_context* ctx) {
             collectGlyphs(ctx, m_handle->document.document, *m_handle, collector, scope.cookie());
         });
-        if (error)
+        if (error || !m_handle->document.source->isReadable())
             return nullptr;
         m_handle->text = std::make_shared<const TextLayer>(collector, pageToDisplay().inverted());
     }
