@@ -166,7 +166,12 @@ void PDFView::take(const TileRenderer::TileDrawn& result)
 
 void PDFView::take(const TileRenderer::PageFailed& result)
 {
-    m_failedPages.insert(result.page);
+    m_failedPages[result.page] = result.isFileChanged
+                                     ? tr("This page cannot be shown because another program has changed the "
+                                          "file. Open the file again "
+                                          "to see what it holds now.")
+                                     : tr("This page cannot be shown.");
+    Q_EMIT pageFailed(result.page);
     if (!m_viewport.layout().isKnown(result.page))
         m_viewport.setPageSize(result.page, assumedPageSize);
 }
@@ -364,6 +369,12 @@ bool PDFView::isSharp() const
     return pdf::isSharp(m_viewport, [this](const Tile& tile) { return isAtHand(tile); });
 }
 
+QString PDFView::pageFailure(int page) const
+{
+    const auto failure = m_failedPages.find(page);
+    return failure == m_failedPages.end() ? QString() : failure->second;
+}
+
 QRectF PDFView::pageRect(int page) const
 {
     const QRect rect = m_viewport.pageRect(page);
@@ -421,8 +432,7 @@ void PDFView::paintEvent(QPaintEvent* event)
     PagePainter pages(m_viewport, m_cache, m_failedPages, m_fallbackScale);
     pages.paint(
         painter, pixels,
-        {palette().color(QPalette::Window), palette().color(QPalette::Mid), m_devicePixelRatio,
-         tr("This page cannot be shown")});
+        {palette().color(QPalette::Window), palette().color(QPalette::Mid), m_devicePixelRatio});
     if (pages.isSharp())
         m_fallbackScale = 0.0;
     painter.scale(m_devicePixelRatio, m_devicePixelRatio);

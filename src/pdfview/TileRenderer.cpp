@@ -38,22 +38,33 @@ struct PageContent
     std::optional<PDFDisplayList> content;
     std::optional<PDFDisplayList> annotations;
     bool hasCurrentAnnotations = true;
+    /// Why there is no content.
+    bool isFileChanged = false;
 };
+
+/// A page is shown whole or not at all.
+void refuseChangedFile(const PDFDocument& document, PageContent& page)
+{
+    page.isFileChanged = !document.isFileReadable();
+    if (page.isFileChanged)
+        page.content.reset();
+}
 
 PageContent readPage(PDFDocument& document, int index, const Cancellation& cancellation)
 {
     PageContent result;
     result.page = index;
     const auto page = document.page(index);
-    if (!page)
-        return result;
-    result.size = page->displaySize();
-    result.pageToDisplay = page->pageToDisplay();
-    if (auto list = page->contentDisplayList(cancellation))
-        result.content = std::move(*list);
-    // A page whose annotations are broken is shown without them.
-    if (auto list = page->annotationDisplayList(cancellation))
-        result.annotations = std::move(*list);
+    if (page) {
+        result.size = page->displaySize();
+        result.pageToDisplay = page->pageToDisplay();
+        if (auto list = page->contentDisplayList(cancellation))
+            result.content = std::move(*list);
+        // A page whose annotations are broken is shown without them.
+        if (auto list = page->annotationDisplayList(cancellation))
+            result.annotations = std::move(*list);
+    }
+    refuseChangedFile(document, result);
     return result;
 }
 
@@ -66,6 +77,7 @@ PageContent readAnnotations(PDFDocument& document, const PageContent& old, const
         if (auto list = page->annotationDisplayList(cancellation))
             result.annotations = std::move(*list);
     }
+    refuseChangedFile(document, result);
     return result;
 }
 
@@ -216,7 +228,7 @@ private:
         if (!content->size.isEmpty())
             report(PageSized{page, content->size, content->pageToDisplay});
         if (!content->content) {
-            report(PageFailed{page});
+            report(PageFailed{page, content->isFileChanged});
             return nullptr;
         }
         keep(content);
