@@ -23,8 +23,8 @@ struct Run
 
 constexpr std::array<Run, 3> nameRuns{{
     {u"Q", ThemeColor::red},
-    {u"uill", ThemeColor::primaryText},
-    {u"o", ThemeColor::green},
+    {u"u", ThemeColor::primaryText},
+    {u"illo", ThemeColor::green},
 }};
 
 } // namespace

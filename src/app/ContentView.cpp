@@ -15,6 +15,7 @@
 #include "viewer/PDFViewer.h"
 
 #include <QDragEnterEvent>
+#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QMimeData>
 #include <QVBoxLayout>
@@ -83,13 +84,19 @@ void ContentView::openDocument(const QUrl& url)
     const bool hasSecurityScope = startAccessingSecurityScopedResource(url);
     m_analyticsService.trackEvent(
         EventType::documentOpened, {{QStringLiteral("hasSecurityScope"), hasSecurityScope}});
-    beginReading();
+    // The text of an earlier document waits for nothing any more, and comes first.
+    extractText();
+    m_unreadUrl = url;
+    m_textReading = std::make_shared<QPromise<void>>();
+    m_textReading->start();
+    if (m_sidebar)
+        m_sidebar->setTextReading(m_textReading->future());
     m_documentState->setUrl(url);
 }
 
 void ContentView::closeDocument()
 {
-    endReading();
+    extractText();
     m_documentState->setUrl(std::nullopt);
     m_documentState->setPageTexts(PageTexts());
     m_documentState->setInsight(std::nullopt);
@@ -136,34 +143,20 @@ void ContentView::setSidebarShown(bool shown)
 
 void ContentView::extractText()
 {
-    if (!m_awaitsText || !m_documentState->url())
+    const auto url = std::exchange(m_unreadUrl, std::nullopt);
+    if (!url)
         return;
-    m_awaitsText = false;
-    auto extraction = PDFTextExtractor::shared().extractText(*m_documentState->url(), m_documentState);
-    extraction.then(this, [this, reading = m_textReading] {
+    auto* extraction = new QFutureWatcher<void>(this);
+    // Unlike a continuation it is told of every end, however the extraction comes to it.
+    connect(extraction, &QFutureWatcher<void>::finished, this, [this, extraction, reading = m_textReading] {
+        extraction->deleteLater();
         m_analyticsService.trackEvent(
             EventType::textExtractionComplete,
             {{QStringLiteral("pageCount"), qint64(m_documentState->totalPages())},
              {QStringLiteral("hasText"), !m_documentState->pageTexts()->empty()}});
         reading->finish();
     });
-}
-
-void ContentView::beginReading()
-{
-    endReading();
-    m_awaitsText = true;
-    m_textReading = std::make_shared<QPromise<void>>();
-    m_textReading->start();
-    if (m_sidebar)
-        m_sidebar->setTextReading(m_textReading->future());
-}
-
-void ContentView::endReading()
-{
-    // Nobody is to wait for a text that nobody will extract.
-    if (std::exchange(m_awaitsText, false))
-        m_textReading->finish();
+    extraction->setFuture(PDFTextExtractor::shared().extractText(*url, m_documentState));
 }
 
 void ContentView::showEvent(QShowEvent* event)

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class QHBoxLayout;
 
@@ -44,9 +45,8 @@ private:
     void closeDocument();
     void followDocument();
     void setSidebarShown(bool shown);
+    /// Extracts the text of the document that was opened last, unless that has begun.
     void extractText();
-    void beginReading();
-    void endReading();
 
     AnalyticsService& m_analyticsService;
     DocumentState* const m_documentState;
@@ -58,8 +58,8 @@ private:
     /// Null while it is hidden.
     UnderstandSidebar* m_sidebar = nullptr;
     bool m_hasAppeared = false;
-    /// Whether the open document's text is still to be extracted.
-    bool m_awaitsText = false;
+    /// The document that was opened last, while its text is still to be extracted.
+    std::optional<QUrl> m_unreadUrl;
     /// Ends when the text of the document that was opened last has been extracted.
     std::shared_ptr<QPromise<void>> m_textReading;
 };

@@ -39,7 +39,7 @@ void AnnotationChange::remember(fz_context* ctx, pdf_obj* dictionary)
     if (!pdf_is_dict(ctx, dictionary))
         return;
     bool isNew = false;
-    engine::guarded(ctx, [&] {
+    engine::translated(ctx, [&] {
         isNew = m_remembered.insert(resolved).second;
         if (isNew)
             m_memories.emplace_back();
@@ -54,7 +54,7 @@ void AnnotationChange::remember(fz_context* ctx, pdf_obj* dictionary)
 void AnnotationChange::touch(fz_context* ctx, pdf_obj* annotation)
 {
     const int number = pdf_to_num(ctx, annotation);
-    engine::guarded(ctx, [&] { m_touched.push_back(number); });
+    engine::translated(ctx, [&] { m_touched.push_back(number); });
 }
 
 void AnnotationChange::beginAppearance(fz_context* ctx, pdf_obj* annotation)
@@ -62,7 +62,7 @@ void AnnotationChange::beginAppearance(fz_context* ctx, pdf_obj* annotation)
     touch(ctx, annotation);
     const int first = pdf_xref_len(ctx, m_document.document);
     const int number = pdf_to_num(ctx, annotation);
-    engine::guarded(ctx, [&] { m_appearances.push_back({number, {first, first}, true}); });
+    engine::translated(ctx, [&] { m_appearances.push_back({number, {first, first}, true}); });
 }
 
 void AnnotationChange::endAppearance(fz_context* ctx)

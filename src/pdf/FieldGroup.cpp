@@ -55,7 +55,7 @@ void FieldGroup::addWidget(fz_context* ctx, pdf_obj* widget)
     // A form should name each of its nodes once, but the widget that is asked for is reached in two ways.
     const pdf_obj* resolved = pdf_resolve_indirect(ctx, widget);
     bool isNew = false;
-    engine::guarded(ctx, [&] { isNew = m_widgets.insert(resolved).second; });
+    engine::translated(ctx, [&] { isNew = m_widgets.insert(resolved).second; });
     if (!isNew)
         return;
     m_members.emplace_back();

@@ -153,7 +153,7 @@ const std::vector<int>&
 widgetPlaces(fz_context* ctx, DocumentHandle& document, pdf_obj* annotations, int pageIndex)
 {
     DocumentHandle::WidgetPlaces* known = nullptr;
-    engine::guarded(ctx, [&] { known = &document.widgetPlaces[pageIndex]; });
+    engine::translated(ctx, [&] { known = &document.widgetPlaces[pageIndex]; });
     if (known->stamp && document.annotationLog.areListsCurrent(*known->stamp))
         return known->places;
     known->stamp.reset();
@@ -162,7 +162,7 @@ widgetPlaces(fz_context* ctx, DocumentHandle& document, pdf_obj* annotations, in
     for (int i = 0; i < count; ++i) {
         pdf_obj* widget = pdf_array_get(ctx, annotations, i);
         if (pdf_name_eq(ctx, pdf_dict_get(ctx, widget, PDF_NAME(Subtype)), PDF_NAME(Widget)))
-            engine::guarded(ctx, [&] { known->places.push_back(i); });
+            engine::translated(ctx, [&] { known->places.push_back(i); });
     }
     known->stamp = document.annotationLog.now();
     return known->places;

@@ -181,6 +181,11 @@ bool PDFDocument::isModified() const
     return m_handle->changes != m_handle->savedChanges;
 }
 
+bool PDFDocument::isFileReadable() const
+{
+    return m_handle->source->isReadable();
+}
+
 bool PDFDocument::hasForm() const
 {
     return isTrue(*m_handle, fields::hasFields);

@@ -106,6 +106,11 @@ public:
     /// True when the document has changes that its own file does not have.
     bool isModified() const;
 
+    /// False once another program has cut its file short or written something else into it: pages that are
+    /// not read yet are lost then. A file that was replaced by another one, removed, added to or only touched
+    /// does no harm. Waits for nobody.
+    bool isFileReadable() const;
+
     /// True where the document has a form with fields, on whatever page they are.
     bool hasForm() const;
     /// True where the document's form is made for another technology (XFA) and has no fields that can be

@@ -120,7 +120,7 @@ std::shared_ptr<const TextLayer> PDFPage::text(const Cancellation& cancellation)
         const auto error = engine::attempt(scope, [&](fz_context* ctx) {
             collectGlyphs(ctx, m_handle->document.document, *m_handle, collector, scope.cookie());
         });
-        if (error)
+        if (error || !m_handle->document.source->isReadable())
             return nullptr;
         m_handle->text = std::make_shared<const TextLayer>(collector, pageToDisplay().inverted());
     }
@@ -184,9 +184,13 @@ Result<PDFDisplayList> PDFPage::contentDisplayList(const Cancellation& cancellat
     const std::lock_guard lock(m_handle->document.mutex);
     const fz_rect rect = m_handle->geometry().displayRect;
     CookieScope scope(cancellation);
-    if (auto error = engine::attempt(scope, [&](fz_context* ctx) {
-            content->record(ctx, rect, runContents, m_handle->loadContents(ctx), scope.cookie());
-        }))
+    const auto error = engine::attempt(scope, [&](fz_context* ctx) {
+        content->record(ctx, rect, runContents, m_handle->loadContents(ctx), scope.cookie());
+    });
+    // Content that ends too early looks like a page with little on it, so what was recorded proves nothing.
+    if (!m_handle->document.source->isReadable())
+        return changedMeanwhile();
+    if (error)
         return *error;
     list->displaySize = sizeOf(rect);
     auto group = std::make_shared<ListGroup>();
@@ -202,6 +206,8 @@ Result<PDFDisplayList> PDFPage::annotationDisplayList(const Cancellation& cancel
     // What could not be written waits for the next attempt; the rest is shown all the same.
     static_cast<void>(m_handle->document.annotations.flush(scope));
     auto list = m_handle->document.annotationLists.record(*m_handle, scope);
+    if (!m_handle->document.source->isReadable())
+        return changedMeanwhile();
     if (!list)
         return list.error();
     return PDFDisplayList(*std::move(list));

@@ -4,6 +4,7 @@
 #include <QList>
 
 #include <algorithm>
+#include <optional>
 
 namespace pdf {
 namespace {
@@ -20,8 +21,8 @@ std::optional<int> pageNumber(QStringView text, int pageCount)
     return number == 0 ? std::nullopt : std::optional(static_cast<int>(number));
 }
 
-/// Appends the pages of one range; false where it is none.
-bool appendRange(QStringView range, int pageCount, std::vector<int>& pages)
+/// Appends the pages of one range, or tells what is wrong with it.
+std::optional<WrongPageRange::Reason> appendRange(QStringView range, int pageCount, std::vector<int>& pages)
 {
     const auto isDash = [](QChar character) { return character == u'-' || character == QChar(0x2013); };
     const auto* const dash = std::find_if(range.begin(), range.end(), isDash);
@@ -31,31 +32,32 @@ bool appendRange(QStringView range, int pageCount, std::vector<int>& pages)
     if (dash != range.end()) {
         const QStringView right = range.mid(dash - range.begin() + 1).trimmed();
         if (left.isEmpty() && right.isEmpty())
-            return false;
+            return WrongPageRange::Reason::notARange;
         if (left.isEmpty())
             first = 1;
         last = right.isEmpty() && first ? std::max(*first, pageCount) : pageNumber(right, pageCount);
     }
     if (!first || !last)
-        return false;
+        return WrongPageRange::Reason::notARange;
+    if (std::max(*first, *last) > pageCount)
+        return WrongPageRange::Reason::beyondLastPage;
     const int step = *first <= *last ? 1 : -1;
-    for (int number = *first; number != *last + step; number += step) {
-        if (number <= pageCount)
-            pages.push_back(number - 1);
-    }
-    return true;
+    for (int number = *first; number != *last + step; number += step)
+        pages.push_back(number - 1);
+    return std::nullopt;
 }
 
 } // namespace
 
-std::optional<std::vector<int>> parsePageRanges(QStringView text, int pageCount)
+std::variant<std::vector<int>, WrongPageRange> parsePageRanges(QStringView text, int pageCount)
 {
     std::vector<int> pages;
-    for (const QStringView range : text.split(u',')) {
-        if (!appendRange(range.trimmed(), pageCount, pages))
-            return std::nullopt;
+    for (const QStringView part : text.split(u',')) {
+        const QStringView range = part.trimmed();
+        if (const auto reason = appendRange(range, pageCount, pages))
+            return WrongPageRange{range.toString(), *reason};
     }
-    return pages.empty() ? std::nullopt : std::optional(pages);
+    return pages;
 }
 
 } // namespace pdf

@@ -23,6 +23,9 @@ constexpr qint64 smallFile = qint64{4} << 20;
 
 constexpr std::size_t chunkSize = std::size_t{1} << 20;
 
+/// What is compared at either end of the file. Opening a document reads both ends anyway.
+constexpr qint64 endSize = 4096;
+
 PDFError unreadable(const QString& message)
 {
     return {PDFError::Code::unreadable, message};
@@ -80,6 +83,7 @@ Result<std::shared_ptr<SourceFile>> SourceFile::open(const QString& path)
 SourceFile::SourceFile(std::unique_ptr<QFile> file, const FileIdentity& identity)
     : m_file(std::move(file))
     , m_identity(identity)
+    , m_ends(ends())
 {}
 
 SourceFile::~SourceFile()
@@ -138,6 +142,27 @@ bool SourceFile::isIntact() const
         return true;
     const std::lock_guard lock(m_copying);
     return m_copy >= 0;
+}
+
+bool SourceFile::isReadable() const
+{
+    if (m_copy >= 0 || isUntouched())
+        return true;
+    struct stat status = {};
+    return ::fstat(m_file->handle(), &status) == 0 && status.st_size >= size() && ends() == m_ends;
+}
+
+/// The content's first and last bytes; what cannot be read is missing.
+QByteArray SourceFile::ends() const
+{
+    const qint64 length = std::min(endSize, size());
+    QByteArray ends(2 * length, '\0');
+    const qint64 head = readAt(m_file->handle(), 0, ends.data(), length);
+    if (head < 0)
+        return {};
+    const qint64 tail = readAt(m_file->handle(), size() - length, ends.data() + head, length);
+    ends.truncate(head + std::max<qint64>(tail, 0));
+    return ends;
 }
 
 } // namespace pdf

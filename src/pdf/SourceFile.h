@@ -3,6 +3,7 @@
 
 #include "pdf/PDFError.h"
 
+#include <QByteArray>
 #include <QFile>
 #include <QString>
 
@@ -57,14 +58,22 @@ public:
     /// for a copy that is being made.
     bool isIntact() const;
 
+    /// The same for readers, who can live with less certainty and must not wait: a file that somebody touched
+    /// or added to is still readable. One that was cut short or overwritten by another is not; this is told
+    /// by its size and both of its ends.
+    bool isReadable() const;
+
 private:
     SourceFile(std::unique_ptr<QFile> file, const FileIdentity& identity);
 
     bool isUntouched() const;
+    QByteArray ends() const;
     void copy();
 
     const std::unique_ptr<QFile> m_file;
     const FileIdentity m_identity;
+    /// As they were when the file was opened.
+    const QByteArray m_ends;
 
     std::once_flag m_preserving;
     /// Held while a copy is being made.

@@ -49,8 +49,16 @@ QString AccessiblePDFView::text(QAccessible::Text kind) const
     if (kind == QAccessible::Description && m_view.linkFollower().hasKeyboard())
         return PDFView::tr("Link: %1").arg(m_view.linkFollower().currentHint().text);
     if (kind == QAccessible::Description && m_view.currentPageIndex() >= 0)
-        return PDFView::tr("Page %1 of %2").arg(m_view.currentPageIndex() + 1).arg(m_view.pageCount());
+        return pageDescription();
     return QAccessibleWidget::text(kind);
+}
+
+QString AccessiblePDFView::pageDescription() const
+{
+    const int page = m_view.currentPageIndex();
+    const QString number = PDFView::tr("Page %1 of %2").arg(page + 1).arg(m_view.pageCount());
+    const QString failure = m_view.pageFailure(page);
+    return failure.isEmpty() ? number : number + QStringLiteral(". ") + failure;
 }
 
 void* AccessiblePDFView::interface_cast(QAccessible::InterfaceType type)

@@ -47,6 +47,7 @@ private:
     ~AccessiblePDFView() override = default;
 
     const TextLayer* pageText() const;
+    QString pageDescription() const;
 
     PDFView& m_view;
 };

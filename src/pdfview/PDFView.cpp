@@ -21,6 +21,7 @@
 #include <QEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -176,7 +177,12 @@ void PDFView::take(const TileRenderer::TileDrawn& result)
 
 void PDFView::take(const TileRenderer::PageFailed& result)
 {
-    m_failedPages.insert(result.page);
+    m_failedPages[result.page] = result.isFileChanged
+                                     ? tr("This page cannot be shown because another program has changed the "
+                                          "file. Open the file again "
+                                          "to see what it holds now.")
+                                     : tr("This page cannot be shown.");
+    Q_EMIT pageFailed(result.page);
     if (!m_viewport.layout().isKnown(result.page))
         m_viewport.setPageSize(result.page, assumedPageSize);
 }
@@ -212,11 +218,12 @@ void PDFView::fitWidth()
     const int room = maximumViewportSize().width() - verticalScrollBar()->sizeHint().width() - 2 * pageGap;
     const double factor = std::clamp(
         room / m_viewport.layout().pageSize(m_fittedPage).width(), lowestScale, largestScaleFactor);
-    if (factor == m_scaleFactor)
-        return;
+    const bool isChanged = factor != m_scaleFactor;
     m_scaleFactor = factor;
     applyScale();
-    Q_EMIT scaleChanged();
+    m_viewport.bringAcross(m_fittedPage);
+    if (isChanged)
+        Q_EMIT scaleChanged();
 }
 
 void PDFView::zoom(double factor, QPointF viewPoint)
@@ -320,12 +327,18 @@ bool PDFView::isInView(const Tile& tile) const
 
 void PDFView::updateScrollBars()
 {
-    m_isMovingBars = true;
+    // A bar that comes or goes resizes the viewport, which leads here again.
+    const QScopedValueRollback moving(m_isMovingBars, true);
+    // It depends on the whole document rather than on what is visible, so that it does not come and go while
+    // pages of many widths are scrolled.
+    const auto policy = m_viewport.isWiderThanView() ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff;
+    if (horizontalScrollBarPolicy() != policy)
+        setHorizontalScrollBarPolicy(policy);
     const qint64 most = std::max(m_viewport.maximumX(), m_viewport.maximumY());
     m_barUnit = most / std::numeric_limits<int>::max() + 1;
     const auto steps = [this](qint64 pixels) { return static_cast<int>(pixels / m_barUnit); };
     const int lineStep = steps(std::llround(48 * m_devicePixelRatio));
-    horizontalScrollBar()->setRange(0, steps(m_viewport.maximumX()));
+    horizontalScrollBar()->setRange(steps(m_viewport.minimumX()), steps(m_viewport.maximumX()));
     horizontalScrollBar()->setPageStep(steps(m_viewport.size().width()));
     horizontalScrollBar()->setSingleStep(lineStep);
     horizontalScrollBar()->setValue(steps(m_viewport.x()));
@@ -333,7 +346,6 @@ void PDFView::updateScrollBars()
     verticalScrollBar()->setPageStep(steps(m_viewport.size().height()));
     verticalScrollBar()->setSingleStep(lineStep);
     verticalScrollBar()->setValue(steps(m_viewport.y()));
-    m_isMovingBars = false;
 }
 
 void PDFView::scrollContentsBy(int, int)
@@ -369,6 +381,12 @@ bool PDFView::isAtHand(const Tile& tile) const
 bool PDFView::isSharp() const
 {
     return pdf::isSharp(m_viewport, [this](const Tile& tile) { return isAtHand(tile); });
+}
+
+QString PDFView::pageFailure(int page) const
+{
+    const auto failure = m_failedPages.find(page);
+    return failure == m_failedPages.end() ? QString() : failure->second;
 }
 
 QRectF PDFView::pageRect(int page) const
@@ -428,8 +446,7 @@ void PDFView::paintEvent(QPaintEvent* event)
     PagePainter pages(m_viewport, m_cache, m_failedPages, m_fallbackScale);
     pages.paint(
         painter, pixels,
-        {palette().color(QPalette::Window), palette().color(QPalette::Mid), m_devicePixelRatio,
-         tr("This page cannot be shown")});
+        {palette().color(QPalette::Window), palette().color(QPalette::Mid), m_devicePixelRatio});
     if (pages.isSharp())
         m_fallbackScale = 0.0;
     painter.scale(m_devicePixelRatio, m_devicePixelRatio);

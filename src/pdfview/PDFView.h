@@ -116,7 +116,7 @@ public:
     /// Scrolls by view points, at once or smoothly.
     void scrollBy(QPointF distance);
     void scrollSmoothlyBy(QPointF distance);
-    bool canScrollSideways() const { return m_viewport.maximumX() > 0; }
+    bool canScrollSideways() const { return m_viewport.maximumX() > m_viewport.minimumX(); }
 
     const PageViewport& pageViewport() const { return m_viewport; }
     /// The page's place in the viewport, in view points.
@@ -124,6 +124,8 @@ public:
 
     /// True once firstPagesShown() is certain to come or has come.
     bool hasShownPages() const { return m_hasShownPages; }
+    /// Why the page cannot be shown, as a sentence for the user; empty for pages that can.
+    QString pageFailure(int page) const;
     /// True when everything visible is drawn for the present scale; a page that cannot be shown counts as
     /// drawn.
     bool isSharp() const;
@@ -194,6 +196,8 @@ Q_SIGNALS:
     void pageOutdated(int page);
     /// After refreshAnnotations(): the page is on the screen as it is now.
     void annotationsRefreshed(int page);
+    /// The page cannot be shown, see pageFailure().
+    void pageFailed(int page);
     /// The first time that the visible pages of a document are on the screen, sharp or not; at once for a
     /// document without pages.
     void firstPagesShown();
@@ -244,7 +248,8 @@ private:
     ShownDocument m_shown;
     PageViewport m_viewport;
     TileCache m_cache;
-    std::set<int> m_failedPages;
+    /// With the reasons, for the user.
+    std::map<int, QString> m_failedPages;
     /// Pages of which the pictures at hand show another layout than the one to come.
     std::set<int> m_outdatedPages;
     std::map<int, QTransform> m_pageToDisplay;

@@ -23,6 +23,8 @@ struct PageContent
     std::optional<PDFDisplayList> annotations;
     /// How many times the annotations had changed when they were read.
     int version = 0;
+    /// Why there is no content.
+    bool isFileChanged = false;
 
     bool showsAnnotations() const { return annotations && !annotations->isEmpty(); }
 };

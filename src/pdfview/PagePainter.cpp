@@ -12,6 +12,11 @@
 namespace pdf {
 namespace {
 
+// Quiet on white paper, and still easy to read.
+constexpr QColor failureColor(0x6E, 0x6E, 0x73);
+// View points.
+constexpr int failureMargin = 24;
+
 QRect stretched(const QRect& rect, double x, double y)
 {
     const QPoint from(
@@ -25,7 +30,8 @@ QRect stretched(const QRect& rect, double x, double y)
 } // namespace
 
 PagePainter::PagePainter(
-    const PageViewport& viewport, TileCache& cache, const std::set<int>& failedPages, double fallbackScale)
+    const PageViewport& viewport, TileCache& cache, const std::map<int, QString>& failedPages,
+    double fallbackScale)
     : m_viewport(viewport)
     , m_cache(cache)
     , m_failedPages(failedPages)
@@ -50,13 +56,14 @@ void PagePainter::paintPage(QPainter& painter, int page, const QRect& exposed, c
     const QRect visible = rect & QRect(QPoint(0, 0), m_viewport.size());
     if (visible.isEmpty())
         return;
-    if (m_failedPages.contains(page)) {
-        paintFailure(painter, page, look);
-        return;
-    }
     const auto cells = tilesIn(visible.translated(-rect.topLeft()), page, m_viewport.scale(), rect.size());
     const bool isSharp =
         std::all_of(cells.begin(), cells.end(), [this](const Tile& tile) { return m_cache.contains(tile); });
+    const auto failure = m_failedPages.find(page);
+    if (!isSharp && failure != m_failedPages.end()) {
+        paintFailure(painter, visible, failure->second, look);
+        return;
+    }
     if (!isSharp) {
         m_isSharp = false;
         painter.fillRect(visible, Qt::white);
@@ -103,15 +110,20 @@ bool PagePainter::paintSubstitute(QPainter& painter, int page, const QRect& area
     return found;
 }
 
-void PagePainter::paintFailure(QPainter& painter, int page, const Look& look)
+void PagePainter::paintFailure(QPainter& painter, const QRect& visible, const QString& text, const Look& look)
 {
-    const QRect rect = m_viewport.pageRect(page);
-    painter.fillRect(rect & QRect(QPoint(0, 0), m_viewport.size()), Qt::white);
-    painter.setPen(Qt::gray);
+    painter.fillRect(visible, Qt::white);
+    painter.setPen(failureColor);
     QFont font = painter.font();
     font.setPixelSize(std::max(1, qRound(QFontInfo(font).pixelSize() * look.fontScale)));
+    painter.save();
     painter.setFont(font);
-    painter.drawText(rect, Qt::AlignCenter | Qt::TextWordWrap, look.failureText);
+    painter.setClipRect(visible);
+    // In the middle of what is visible, since the middle of the page may be far away.
+    const int margin = std::min(qRound(failureMargin * look.fontScale), visible.width() / 8);
+    painter.drawText(
+        visible.adjusted(margin, margin, -margin, -margin), Qt::AlignCenter | Qt::TextWordWrap, text);
+    painter.restore();
 }
 
 } // namespace pdf

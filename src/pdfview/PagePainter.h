@@ -7,7 +7,7 @@
 #include <QColor>
 #include <QString>
 
-#include <set>
+#include <map>
 
 class QPainter;
 
@@ -24,13 +24,12 @@ public:
         QColor edge;
         /// Device pixels per pixel of the painter's font.
         double fontScale = 1.0;
-        /// Stands in the place of a page that cannot be shown.
-        QString failureText;
     };
 
-    /// `fallbackScale` is a scale of which there may be pictures, too.
+    /// `fallbackScale` is a scale of which there may be pictures, too. In the place of a failed page stands
+    /// its text, unless all that is visible of it was drawn before it failed.
     PagePainter(
-        const PageViewport& viewport, TileCache& cache, const std::set<int>& failedPages,
+        const PageViewport& viewport, TileCache& cache, const std::map<int, QString>& failedPages,
         double fallbackScale);
 
     /// Paints the exposed area. The painter's unit is the device pixel, its origin the view's upper left.
@@ -43,11 +42,11 @@ public:
 private:
     void paintPage(QPainter& painter, int page, const QRect& exposed, const Look& look);
     bool paintSubstitute(QPainter& painter, int page, const QRect& area);
-    void paintFailure(QPainter& painter, int page, const Look& look);
+    static void paintFailure(QPainter& painter, const QRect& visible, const QString& text, const Look& look);
 
     const PageViewport& m_viewport;
     TileCache& m_cache;
-    const std::set<int>& m_failedPages;
+    const std::map<int, QString>& m_failedPages;
     const double m_fallbackScale;
     bool m_isAnythingMissing = false;
     bool m_isSharp = true;

@@ -59,7 +59,14 @@ void PageViewport::setScale(double scale, QPoint fixedPoint)
 
 void PageViewport::setScale(double scale)
 {
-    const auto anchor = anchorAt(QPoint(m_size.width() / 2, m_size.height() / 2));
+    std::optional<Anchor> anchor;
+    if (const int page = currentPage(); page >= 0 && m_layout.hasSizes()) {
+        const QRect visible = pageRect(page) & QRect(QPoint(0, 0), m_size);
+        const int middle = m_size.height() / 2;
+        anchor = anchorAt(QPoint(
+            m_size.width() / 2,
+            visible.isEmpty() ? middle : std::clamp(middle, visible.top(), visible.bottom())));
+    }
     m_layout.setScale(scale);
     settle(anchor);
 }
@@ -71,9 +78,14 @@ void PageViewport::setPageSize(int page, QSizeF points)
     settle(anchor);
 }
 
+qint64 PageViewport::minimumX() const
+{
+    return visibleRangeAcross().minimum;
+}
+
 qint64 PageViewport::maximumX() const
 {
-    return std::max<qint64>(contentWidth() - m_size.width(), 0);
+    return visibleRangeAcross().maximum;
 }
 
 qint64 PageViewport::maximumY() const
@@ -81,14 +93,22 @@ qint64 PageViewport::maximumY() const
     return std::max<qint64>(m_layout.height() - m_size.height(), 0);
 }
 
+bool PageViewport::isWiderThanView() const
+{
+    return m_layout.width() > m_size.width();
+}
+
 void PageViewport::scrollTo(qint64 x, qint64 y)
 {
-    const qint64 newX = std::clamp<qint64>(x, 0, maximumX());
-    const qint64 newY = std::clamp<qint64>(y, 0, maximumY());
-    if (newY != m_y)
+    const qint64 oldX = m_x;
+    const qint64 oldY = m_y;
+    m_x = x;
+    m_y = y;
+    clamp();
+    if (m_y != oldY)
         m_target.reset();
-    m_x = newX;
-    m_y = newY;
+    else if (m_target && m_x != oldX)
+        m_target->place = Target::Place::asItStands;
 }
 
 void PageViewport::goToPage(int page)
@@ -105,6 +125,15 @@ void PageViewport::goToEnd()
         return;
     m_target = Target{m_layout.pageCount() - 1, Target::Place::end};
     moveToTarget();
+}
+
+void PageViewport::bringAcross(int page)
+{
+    const Range visible = visiblePages();
+    if (page < visible.first || page > visible.last)
+        return;
+    const RangeAcross range = rangeAcross(page);
+    m_x = std::clamp(m_x, range.minimum, range.maximum);
 }
 
 void PageViewport::setCurrentPage(int page)
@@ -180,7 +209,7 @@ void PageViewport::settle(const std::optional<Anchor>& anchor)
         m_y = m_layout.top(anchor->page) + join(anchor->partY, anchor->restY, size.height()) -
               anchor->point.y();
     } else {
-        m_x = maximumX() / 2;
+        m_x = (contentWidth() - m_size.width()) / 2;
     }
     clamp();
     moveToTarget();
@@ -188,8 +217,33 @@ void PageViewport::settle(const std::optional<Anchor>& anchor)
 
 void PageViewport::clamp()
 {
-    m_x = std::clamp<qint64>(m_x, 0, maximumX());
     m_y = std::clamp<qint64>(m_y, 0, maximumY());
+    // Only then is it certain which pages are visible.
+    const RangeAcross range = visibleRangeAcross();
+    m_x = std::clamp(m_x, range.minimum, range.maximum);
+}
+
+PageViewport::RangeAcross PageViewport::rangeAcross(int page) const
+{
+    const qint64 left = pageLeft(page);
+    const qint64 width = m_layout.pixelSize(page).width();
+    const qint64 room = m_size.width() - width;
+    if (room >= 2 * m_layout.gap())
+        return {left - room / 2, left - room / 2};
+    return {left - m_layout.gap(), left + m_layout.gap() - room};
+}
+
+PageViewport::RangeAcross PageViewport::visibleRangeAcross() const
+{
+    const Range visible = visiblePages();
+    if (visible.last < visible.first)
+        return {};
+    int widest = visible.first;
+    for (int page = visible.first; page <= visible.last; ++page) {
+        if (m_layout.pixelSize(page).width() > m_layout.pixelSize(widest).width())
+            widest = page;
+    }
+    return rangeAcross(widest);
 }
 
 void PageViewport::moveToTarget()
@@ -198,6 +252,7 @@ void PageViewport::moveToTarget()
         return;
     m_y = m_target->place == Target::Place::end ? maximumY() : m_layout.top(m_target->page) - m_layout.gap();
     clamp();
+    bringAcross(m_target->page);
 }
 
 qint64 PageViewport::marginAbove() const

@@ -28,7 +28,7 @@ public:
     double scale() const { return m_layout.scale(); }
     /// Keeps the point of the document under the given point of the view where it is.
     void setScale(double scale, QPoint fixedPoint);
-    /// Keeps the most visible page where it is.
+    /// Keeps the current page where it is: the point of it that is next to the middle of the view.
     void setScale(double scale);
 
     /// The visible page that matters most stays where it is, whatever else moves.
@@ -37,16 +37,25 @@ public:
     /// How far the document is scrolled, from its upper left.
     qint64 x() const { return m_x; }
     qint64 y() const { return m_y; }
+    /// Sideways the view goes from edge to edge of the widest visible page and no further, however wide other
+    /// pages are; visible pages that all fit into it stand in its middle.
+    qint64 minimumX() const;
     qint64 maximumX() const;
     qint64 maximumY() const;
+    /// Whether any known page is too wide for the view, visible or not.
+    bool isWiderThanView() const;
     /// As far as the document goes.
     void scrollTo(qint64 x, qint64 y);
 
     /// Shows the page from its upper edge. It counts as the current page until the user scrolls on, even
-    /// where the document ends too early for it to reach the upper edge of the view.
+    /// where the document ends too early for it to reach the upper edge of the view. Sideways the view moves
+    /// as little as brings the page into it.
     void goToPage(int page);
-    /// Shows the end of the document.
+    /// Shows the end of the document, sideways as goToPage() does.
     void goToEnd();
+    /// Moves sideways by as little as brings the page into the view from edge to edge, or fills the view with
+    /// it where it is wider. Nothing happens while it is not visible.
+    void bringAcross(int page);
 
     /// The page counts as the current one, without being gone to, until the user scrolls on or it is not
     /// visible any more.
@@ -77,6 +86,11 @@ private:
         /// Where it is to be in the view.
         QPoint point;
     };
+    struct RangeAcross
+    {
+        qint64 minimum = 0;
+        qint64 maximum = 0;
+    };
     struct Target
     {
         enum class Place { top, end, asItStands };
@@ -86,6 +100,9 @@ private:
 
     std::optional<Anchor> anchorAt(QPoint viewPoint) const;
     std::optional<Anchor> mainAnchor() const;
+    /// Where x may be so that the view shows nothing beside the page that it could show of it.
+    RangeAcross rangeAcross(int page) const;
+    RangeAcross visibleRangeAcross() const;
     /// Brings the anchor back to its point, or else the page that was gone to to the view's upper edge.
     void settle(const std::optional<Anchor>& anchor);
     void clamp();

@@ -164,7 +164,7 @@ private:
         if (!old && !content->size.isEmpty())
             report(PageSized{page, content->size, content->pageToDisplay});
         if (!content->content) {
-            report(PageFailed{page});
+            report(PageFailed{page, content->isFileChanged});
             return nullptr;
         }
         keep(content);

@@ -44,6 +44,8 @@ public:
     struct PageFailed
     {
         int page = 0;
+        /// Because another program has written into the file, see PDFDocument::isFileReadable().
+        bool isFileChanged = false;
     };
     using Result = std::variant<PageSized, TileDrawn, PageFailed>;
 

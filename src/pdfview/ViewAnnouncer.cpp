@@ -20,6 +20,7 @@ ViewAnnouncer::ViewAnnouncer(PDFView& view, Announce announce)
     QAccessible::installActivationObserver(this);
     connect(&view, &PDFView::documentChanged, this, &ViewAnnouncer::announceDocument);
     connect(&view, &PDFView::pageChanged, this, &ViewAnnouncer::announcePage);
+    connect(&view, &PDFView::pageFailed, this, &ViewAnnouncer::announceFailure);
     connect(&view.pageReader(), &PageReader::pageRead, this, &ViewAnnouncer::announceText);
     connect(&view.linkFollower(), &LinkFollower::keyboardMoved, this, &ViewAnnouncer::announceLink);
     connect(&view.textSelector(), &TextSelector::rangeChanged, this, &ViewAnnouncer::announceSelection);
@@ -55,6 +56,12 @@ void ViewAnnouncer::announcePage()
         return;
     announce(QAccessibleEvent(&m_view, QAccessible::DescriptionChanged));
     announceText();
+}
+
+void ViewAnnouncer::announceFailure(int page)
+{
+    if (m_isActive && page == m_view.currentPageIndex())
+        announce(QAccessibleEvent(&m_view, QAccessible::DescriptionChanged));
 }
 
 void ViewAnnouncer::announceLink()

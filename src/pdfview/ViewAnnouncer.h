@@ -29,6 +29,7 @@ private:
     void announce(QAccessibleEvent&& event) const;
     void announceDocument();
     void announcePage();
+    void announceFailure(int page);
     void announceLink();
     void announceText();
     void announceSelection();

@@ -2,7 +2,6 @@
 #include "printing/PrintDialog.h"
 
 #include "controls/TextLabel.h"
-#include "pdf/PageRanges.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -23,11 +22,15 @@
 
 #include <array>
 #include <numeric>
+#include <utility>
 
 namespace quillo {
 namespace {
 
 constexpr int mostCopies = 999;
+
+// What is quoted of a text that is wrong.
+constexpr qsizetype longestQuote = 30;
 
 constexpr std::array commonSizes = {
     QPageSize::A4, QPageSize::Letter, QPageSize::Legal, QPageSize::A3, QPageSize::A5};
@@ -127,6 +130,9 @@ void PrintDialog::addPages(QFormLayout& form, int currentPage)
     m_ranges = new QLineEdit;
     m_ranges->setAccessibleName(tr("Page ranges"));
     m_ranges->setPlaceholderText(tr("such as 1-3, 5, 8-"));
+    m_ranges->setToolTip(
+        tr("Pages are printed in the order given here: 3-1 prints page 3, then 2, then 1.\n"
+           "A range without an end goes to the last page, one without a beginning starts at the first."));
     m_allPages->setChecked(true);
     m_thisPage->setEnabled(currentPage >= 0);
     // One choice in two rows.
@@ -135,7 +141,11 @@ void PrintDialog::addPages(QFormLayout& form, int currentPage)
         group->addButton(button);
     form.addRow(tr("Pages:"), row({m_allPages, m_thisPage}));
     form.addRow(QString(), row({m_somePages, m_ranges}));
-    connect(m_ranges, &QLineEdit::textEdited, m_somePages, [this] { m_somePages->setChecked(true); });
+    connect(m_ranges, &QLineEdit::textEdited, this, [this] {
+        m_somePages->setChecked(true);
+        // It was about what stood there before.
+        m_complaint->hide();
+    });
 }
 
 void PrintDialog::addCopies(QFormLayout& form)
@@ -260,7 +270,7 @@ void PrintDialog::chooseFile()
     panel->open();
 }
 
-std::optional<std::vector<int>> PrintDialog::pages() const
+std::variant<std::vector<int>, pdf::WrongPageRange> PrintDialog::pages() const
 {
     if (m_somePages->isChecked())
         return pdf::parsePageRanges(m_ranges->text(), m_pageCount);
@@ -274,7 +284,8 @@ std::optional<std::vector<int>> PrintDialog::pages() const
 PrintSettings PrintDialog::settings() const
 {
     PrintSettings settings;
-    settings.layout.pages = pages().value_or(std::vector<int>());
+    if (auto chosen = pages(); auto* list = std::get_if<std::vector<int>>(&chosen))
+        settings.layout.pages = std::move(*list);
     settings.layout.scaling = static_cast<pdf::PageScaling>(m_scaling->currentData().toInt());
     settings.layout.reverses = m_reverses->isChecked();
     const auto paper = static_cast<std::size_t>(m_paper->currentIndex());
@@ -311,9 +322,10 @@ PrintSettings PrintDialog::settings() const
 
 void PrintDialog::accept()
 {
-    if (!pages()) {
+    const auto chosen = pages();
+    if (const auto* wrong = std::get_if<pdf::WrongPageRange>(&chosen)) {
         m_ranges->setFocus();
-        return complain(tr("Enter pages of the document, such as 1-3, 5, 8-."));
+        return complain(complaintAbout(*wrong));
     }
     if (printer())
         return QDialog::accept();
@@ -325,6 +337,18 @@ void PrintDialog::accept()
     if (QFileInfo::exists(file) && QFileInfo(file) != QFileInfo(m_replacedFile))
         return confirmReplacing();
     QDialog::accept();
+}
+
+QString PrintDialog::complaintAbout(const pdf::WrongPageRange& range) const
+{
+    if (range.part.isEmpty())
+        return tr("Enter pages of the document, such as 1-3, 5, 8-.");
+    const QString part =
+        range.part.size() <= longestQuote ? range.part : range.part.left(longestQuote - 1) + QChar(u'\u2026');
+    if (range.reason == pdf::WrongPageRange::Reason::notARange)
+        return tr("%1: this names no pages. Enter pages of the document, such as 1-3, 5, 8-.").arg(part);
+    return m_pageCount == 1 ? tr("%1: the document has only one page.").arg(part)
+                            : tr("%1: the document has %2 pages.").arg(part).arg(m_pageCount);
 }
 
 void PrintDialog::confirmReplacing()

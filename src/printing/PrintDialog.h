@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "pdf/PageRanges.h"
 #include "printing/PrintSettings.h"
 #include "printing/PrintersModule.h"
 
 #include <QDialog>
 
-#include <optional>
+#include <variant>
+#include <vector>
 
 class QCheckBox;
 class QComboBox;
@@ -44,7 +46,9 @@ private:
     void addButtons();
     /// Null where a file is to be written.
     const PrinterDescription* printer() const;
-    std::optional<std::vector<int>> pages() const;
+    /// What the user has chosen, or what is wrong with the ranges that were typed.
+    std::variant<std::vector<int>, pdf::WrongPageRange> pages() const;
+    QString complaintAbout(const pdf::WrongPageRange& range) const;
     void followTarget();
     void offerPapers(const std::vector<Paper>& papers, std::size_t usual);
     void chooseFile();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "viewer/DocumentOpener.h"
 
+#include "controls/OnScreen.h"
 #include "document/DocumentPasswords.h"
 #include "viewer/PasswordDialog.h"
 
@@ -66,6 +67,15 @@ void DocumentOpener::finish(
 }
 
 void DocumentOpener::askForPassword(bool isRepeated)
+{
+    // The answer may be there before there is a window to ask over.
+    whenOnScreen(m_dialogParent, this, [this, isRepeated, turn = m_turn] {
+        if (turn == m_turn)
+            showDialog(isRepeated);
+    });
+}
+
+void DocumentOpener::showDialog(bool isRepeated)
 {
     m_dialog = new PasswordDialog(QFileInfo(m_path).fileName(), isRepeated, m_dialogParent->window());
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);

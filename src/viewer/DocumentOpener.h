@@ -19,7 +19,7 @@ class DocumentOpener : public QObject
     Q_OBJECT
 
 public:
-    /// Dialogs belong to the widget's window.
+    /// Dialogs belong to the widget's window and come when that is on the screen.
     explicit DocumentOpener(QWidget* dialogParent);
     ~DocumentOpener() override;
 
@@ -37,6 +37,7 @@ private:
     void begin(const std::optional<QString>& password);
     void finish(const pdf::Result<pdf::ShownDocument>& result, const std::optional<QString>& password);
     void askForPassword(bool isRepeated);
+    void showDialog(bool isRepeated);
 
     QWidget* const m_dialogParent;
     QString m_path;

@@ -5,7 +5,25 @@
 #include "pdfview/PDFView.h"
 #include "viewer/DocumentOpener.h"
 
+#include <QFileInfo>
+
+#include <chrono>
+#include <utility>
+
 namespace quillo {
+namespace {
+
+// How long a document may take to be on the screen. One whose first page is heavy takes longer, and one in a
+// window that nobody sees is never painted.
+constexpr std::chrono::seconds longestPainting(2);
+
+} // namespace
+
+InteractivePDFKitView::FileStamp InteractivePDFKitView::FileStamp::of(const QUrl& url)
+{
+    const QFileInfo info(url.toLocalFile());
+    return {info.size(), info.lastModified()};
+}
 
 InteractivePDFKitView::InteractivePDFKitView(pdf::PDFView* pdfView)
     : QObject(pdfView)
@@ -13,11 +31,14 @@ InteractivePDFKitView::InteractivePDFKitView(pdf::PDFView* pdfView)
     , m_opener(new DocumentOpener(pdfView))
 {
     m_pdfView->setAutoScales(true);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(longestPainting);
+    connect(&m_patience, &QTimer::timeout, this, &InteractivePDFKitView::resolve);
     connect(m_opener, &DocumentOpener::opened, this, &InteractivePDFKitView::showDocument);
     connect(m_opener, &DocumentOpener::failed, this, &InteractivePDFKitView::resolveLater);
     connect(m_pdfView, &pdf::PDFView::firstPagesShown, this, [this] {
         if (showsWantedDocument())
-            Q_EMIT documentResolved();
+            resolve();
     });
     connect(m_pdfView, &pdf::PDFView::scaleChanged, this, [this] {
         m_zoomLevel = m_pdfView->scaleFactor();
@@ -39,43 +60,59 @@ InteractivePDFKitView::InteractivePDFKitView(pdf::PDFView* pdfView)
         Qt::QueuedConnection);
 }
 
-void InteractivePDFKitView::update(const std::optional<QUrl>& url, double zoomLevel)
+void InteractivePDFKitView::open(const std::optional<QUrl>& url)
+{
+    ++m_turn;
+    m_url = url;
+    m_opener->cancel();
+    m_patience.stop();
+    m_isUnresolved = url.has_value();
+    if (!url)
+        return;
+    m_stamp = FileStamp::of(*url);
+    if (showsWantedDocument())
+        resolveLater();
+    else
+        m_opener->open(url->toLocalFile(), m_zoomLevel * m_pdfView->devicePixelRatioF());
+}
+
+void InteractivePDFKitView::setZoomLevel(double zoomLevel)
 {
     m_zoomLevel = zoomLevel;
     if (m_pdfView->scaleFactor() != zoomLevel)
         m_pdfView->setScaleFactor(zoomLevel);
-    if (url == m_url)
-        return;
-    m_url = url;
-    m_opener->cancel();
-    if (!url)
-        return;
-    if (showsWantedDocument())
-        resolveLater();
-    else
-        m_opener->open(url->toLocalFile(), zoomLevel * m_pdfView->devicePixelRatioF());
 }
 
 void InteractivePDFKitView::showDocument(const pdf::ShownDocument& shown)
 {
     // The viewer's zoom level holds for whatever it shows, so automatic scaling ends here.
     m_pdfView->setScaleFactor(m_zoomLevel);
+    m_shownUrl = m_url;
+    m_shownStamp = m_stamp;
     m_pdfView->setDocument(shown);
+    m_patience.start();
 }
 
 bool InteractivePDFKitView::showsWantedDocument() const
 {
     const auto& document = m_pdfView->document();
-    return document && m_url && document->documentURL() == *m_url;
+    return document && m_url == m_shownUrl && (m_stamp == m_shownStamp || document->isModified());
 }
 
 void InteractivePDFKitView::resolveLater()
 {
-    const auto resolve = [this, url = m_url] {
-        if (url == m_url)
-            Q_EMIT documentResolved();
+    const auto resolveThis = [this, turn = m_turn] {
+        if (turn == m_turn)
+            resolve();
     };
-    QMetaObject::invokeMethod(this, resolve, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, resolveThis, Qt::QueuedConnection);
+}
+
+void InteractivePDFKitView::resolve()
+{
+    m_patience.stop();
+    if (std::exchange(m_isUnresolved, false))
+        Q_EMIT documentResolved();
 }
 
 } // namespace quillo

@@ -76,7 +76,7 @@ PDFViewer::PDFViewer(DocumentState* documentState, AnalyticsService& analyticsSe
     connect(m_bridge, &InteractivePDFKitView::documentResolved, this, &PDFViewer::documentResolved);
     connect(m_documentState, &DocumentState::didChange, this, [this](DocumentState::Field field) {
         if (field == DocumentState::Field::url)
-            m_bridge->update(m_documentState->url(), m_zoomLevel);
+            m_bridge->open(m_documentState->url());
         else if (field == DocumentState::Field::currentPage || field == DocumentState::Field::totalPages)
             showPage();
     });
@@ -84,7 +84,8 @@ PDFViewer::PDFViewer(DocumentState* documentState, AnalyticsService& analyticsSe
     applyTheme();
     showPage();
     m_toolbar->showZoomLevel(m_zoomLevel);
-    m_bridge->update(m_documentState->url(), m_zoomLevel);
+    m_bridge->setZoomLevel(m_zoomLevel);
+    m_bridge->open(m_documentState->url());
 }
 
 void PDFViewer::previousPage()
@@ -188,7 +189,7 @@ void PDFViewer::setZoomLevel(double zoomLevel, const QString& direction)
 {
     m_zoomLevel = zoomLevel;
     m_toolbar->showZoomLevel(zoomLevel);
-    m_bridge->update(m_documentState->url(), zoomLevel);
+    m_bridge->setZoomLevel(zoomLevel);
     m_analyticsService.trackEvent(
         EventType::zoom, {{QStringLiteral("level"), zoomLevel}, {QStringLiteral("direction"), direction}});
 }

@@ -53,7 +53,8 @@ public Q_SLOTS:
     void printDocument();
 
 Q_SIGNALS:
-    /// The first pages of what was opened last are on the screen, or it is certain that there will be none.
+    /// The first pages of what was opened last are on the screen, or there will be none, or not soon. Comes
+    /// for every file that is opened, the same one again included, unless another one follows too early.
     void documentResolved();
 
 protected:

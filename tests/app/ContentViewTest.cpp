@@ -20,6 +20,8 @@
 #include <QTest>
 #include <QWheelEvent>
 
+#include <vector>
+
 namespace quillo {
 namespace {
 
@@ -28,6 +30,14 @@ const QString pageLabel = QStringLiteral("Page");
 class ContentViewTest : public WindowFixture
 {
 protected:
+    /// Waits until so many opens have ended.
+    bool isCompleted(int count) const
+    {
+        return QTest::qWaitFor(
+            [&] { return m_analytics.types().count(QStringLiteral("textExtractionComplete")) == count; },
+            10000);
+    }
+
     pdf::PDFView* view() const { return m_window->findChild<pdf::PDFView*>(); }
 
     /// Drags the URLs onto the window and lets them go there; true when the window takes them.
@@ -160,6 +170,89 @@ TEST_F(ContentViewTest, KeepsWhatItShowsWhenAFileCannotBeOpened)
     EXPECT_EQ(view()->document(), shown);
     EXPECT_EQ(state().totalPages(), 3);
     EXPECT_EQ(state().pageTexts()->size(), 3U);
+}
+
+TEST_F(ContentViewTest, CompletesEveryOpenOfTheSameFile)
+{
+    show();
+    const QUrl url = documentOf(2);
+    post(url);
+    ASSERT_TRUE(isCompleted(1));
+    const auto shown = view()->document();
+    post(url);
+    EXPECT_TRUE(isCompleted(2));
+    EXPECT_EQ(m_analytics.types().count(QStringLiteral("documentOpened")), 2);
+    EXPECT_EQ(view()->document(), shown) << "it is what is shown already";
+}
+
+TEST_F(ContentViewTest, ClassifiesAFileThatWasOpenedTwice)
+{
+    show();
+    post(sample(QStringLiteral("invoice.pdf")));
+    ASSERT_TRUE(isCompleted(1));
+    post(sample(QStringLiteral("invoice.pdf")));
+    click(*m_window, QStringLiteral("What is this document?"));
+    EXPECT_TRUE(shows(*m_window, QStringLiteral("Bill / Invoice")));
+}
+
+TEST_F(ContentViewTest, CompletesBothOfTwoQuickOpens)
+{
+    show();
+    std::vector<qint64> pageCounts;
+    QObject::connect(&state(), &DocumentState::didChange, [&](DocumentState::Field field) {
+        if (field == DocumentState::Field::totalPages)
+            pageCounts.push_back(state().totalPages());
+    });
+    post(documentOf(3, QStringLiteral("first.pdf")));
+    post(documentOf(2, QStringLiteral("second.pdf")));
+    EXPECT_TRUE(isCompleted(2));
+    EXPECT_EQ(pageCounts, (std::vector<qint64>{3, 2})) << "both are read, the last one last";
+    EXPECT_EQ(state().pageTexts()->size(), 2U);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view()->pageCount() == 2; }));
+}
+
+TEST_F(ContentViewTest, CompletesAnOpenThatIsClosedAtOnce)
+{
+    show();
+    post(documentOf(2));
+    QTest::keyClick(m_window.get(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(state().url());
+    EXPECT_TRUE(isCompleted(1));
+}
+
+TEST_F(ContentViewTest, CompletesAnOpenInAWindowThatNobodySees)
+{
+    show();
+    m_window->hide();
+    post(documentOf(2));
+    EXPECT_TRUE(isCompleted(1));
+    EXPECT_EQ(state().pageTexts()->size(), 2U);
+}
+
+TEST_F(ContentViewTest, ReadsAFileThatWasRepairedWhenItIsOpenedAgain)
+{
+    show();
+    const QUrl url = QUrl::fromLocalFile(m_folder.write(QStringLiteral("document.pdf"), "no PDF"));
+    post(url);
+    ASSERT_TRUE(isCompleted(1));
+    ASSERT_EQ(documentOf(2), url);
+    post(url);
+    ASSERT_TRUE(isCompleted(2));
+    EXPECT_EQ(view()->pageCount(), 2);
+    EXPECT_EQ(state().pageTexts()->size(), 2U);
+}
+
+TEST_F(ContentViewTest, ReadsAFileThatWasReplacedWhenItIsOpenedAgain)
+{
+    show();
+    const QUrl url = documentOf(3);
+    post(url);
+    ASSERT_TRUE(isCompleted(1));
+    ASSERT_EQ(documentOf(12), url);
+    post(url);
+    ASSERT_TRUE(isCompleted(2));
+    EXPECT_EQ(view()->pageCount(), 12);
+    EXPECT_EQ(state().pageTexts()->size(), 12U);
 }
 
 TEST_F(ContentViewTest, RecordsTheCourseOfADocument)

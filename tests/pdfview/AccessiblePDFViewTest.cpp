@@ -55,6 +55,19 @@ TEST_F(AccessiblePDFViewTest, IsADocumentWithTheNameOfItsFile)
     EXPECT_FALSE(state.editable);
 }
 
+TEST_F(AccessiblePDFViewTest, TellsThatAPageCannotBeShown)
+{
+    PDFWriter writer;
+    writer.addPage("");
+    writer.replace(writer.addPage(""), "(nothing)");
+    show(writer.bytes());
+    m_view->goToPage(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        return interface()->text(QAccessible::Description) ==
+               QStringLiteral("Page 2 of 2. This page cannot be shown.");
+    }));
+}
+
 TEST_F(AccessiblePDFViewTest, HasTheTextOfTheCurrentPage)
 {
     showPages(3);

@@ -45,6 +45,21 @@ protected:
         return {(place.x() - rect.x()) / rect.width(), (place.y() - rect.y()) / rect.height()};
     }
 
+    static QByteArray documentOfWidths(const std::vector<int>& widths)
+    {
+        PDFWriter writer;
+        for (std::size_t page = 0; page < widths.size(); ++page)
+            addColouredPage(writer, colorOfPage(static_cast<int>(page)), {widths[page], 400});
+        return writer.bytes();
+    }
+
+    /// From its left to its right edge.
+    bool isInView(int page)
+    {
+        const QRectF rect = m_view->pageRect(page);
+        return rect.left() >= 0 && rect.right() <= m_view->viewport()->width();
+    }
+
     qint64 scrolled() const { return m_view->pageViewport().y(); }
     bool comesTo(qint64 y)
     {
@@ -165,6 +180,34 @@ TEST_F(PDFViewInputTest, GoesToBothEndsByHomeAndEnd)
     press(Qt::Key_Home);
     EXPECT_EQ(scrolled(), 0);
     EXPECT_EQ(m_view->currentPageIndex(), 0);
+}
+
+TEST_F(PDFViewInputTest, BringsNarrowPagesBackIntoViewByHomeAndEnd)
+{
+    show(documentOfWidths({300, 1200, 300}));
+    press(Qt::Key_End);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->isSharp(); }));
+    press(Qt::Key_PageUp);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->canScrollSideways(); })) << "the wide page is not there";
+    for (int i = 0; i < 20; ++i)
+        press(Qt::Key_Right);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->pageRect(2).right() < 0; }))
+        << "the view does not move over the wide page";
+    press(Qt::Key_End);
+    EXPECT_TRUE(isInView(2));
+    press(Qt::Key_Home);
+    EXPECT_TRUE(isInView(0));
+}
+
+TEST_F(PDFViewInputTest, TurnsPagesByLeftAndRightWhereOnlyPagesOutOfSightAreWider)
+{
+    show(documentOfWidths({300, 300, 300, 1200}));
+    press(Qt::Key_End);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->pageViewport().isWiderThanView(); }));
+    press(Qt::Key_Home);
+    press(Qt::Key_Right);
+    EXPECT_EQ(m_view->currentPageIndex(), 1);
+    EXPECT_TRUE(isInView(1));
 }
 
 TEST_F(PDFViewInputTest, LeavesOtherKeysToTheWindow)

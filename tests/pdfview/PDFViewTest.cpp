@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QPainter>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -179,6 +180,36 @@ TEST_F(PDFViewTest, FitsTheCurrentPageIntoItsWidthUntilItIsZoomed)
     EXPECT_FALSE(m_view->autoScales());
 }
 
+TEST_F(PDFViewTest, FitsAPageThatWasPushedOutOfTheWindow)
+{
+    PDFWriter writer;
+    for (const int width : {300, 1200, 300})
+        addColouredPage(writer, colorOfPage(0), {width, 200});
+    show(writer.bytes());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->canScrollSideways(); }));
+    const auto isInside = [&](int page) {
+        const QRectF rect = m_view->pageRect(page);
+        return rect.left() >= 0 && rect.right() <= m_view->viewport()->width();
+    };
+    for (int i = 0; i < 2; ++i) {
+        m_view->scrollBy({5000, 0});
+        ASSERT_FALSE(isInside(0));
+        ASSERT_EQ(m_view->currentPageIndex(), 0);
+        m_view->setAutoScales(true);
+        EXPECT_TRUE(isInside(0)) << "at the scale of " << m_view->scaleFactor();
+    }
+}
+
+TEST_F(PDFViewTest, FitsTheCurrentPageWhereOtherPagesFillTheView)
+{
+    show(colouredDocument(9, {300, 60}));
+    ASSERT_EQ(m_view->currentPageIndex(), 0);
+    m_view->resize(1400, 500);
+    m_view->setAutoScales(true);
+    EXPECT_GE(m_view->pageRect(0).bottom(), 0) << "the page that is fitted is above the view";
+    EXPECT_EQ(m_view->currentPageIndex(), 0);
+}
+
 TEST_F(PDFViewTest, TellsWhenTheScaleChangesAndOnlyThen)
 {
     show(colouredDocument(1));
@@ -232,6 +263,82 @@ TEST_F(PDFViewTest, MarksAPageThatCannotBeShownAndShowsTheRest)
     m_view->goToPage(1);
     // It takes the room of a sheet of letter paper, which is wider than the view.
     EXPECT_TRUE(becomes({10, m_view->pageRect(1).top() + 10}, Qt::white));
+}
+
+/// Pages of one colour that are too heavy for several of them to be read at once.
+QByteArray heavyDocument(int pageCount)
+{
+    PDFWriter writer;
+    for (int page = 0; page < pageCount; ++page) {
+        const QColor color = colorOfPage(page);
+        writer.addPage(
+            QByteArray::number(color.redF()) + ' ' + QByteArray::number(color.greenF()) + ' ' +
+                QByteArray::number(color.blueF()) + " rg 0 0 300 400 re f" + QByteArray(8000, ' '),
+            "/MediaBox[0 0 300 400]");
+    }
+    return writer.bytes();
+}
+
+TEST_F(PDFViewTest, SaysWhyPagesCannotBeShownAfterTheFileWasCutShort)
+{
+    show(heavyDocument(60));
+    ASSERT_TRUE(becomes(m_view->pageRect(0).center(), colorOfPage(0)));
+    ASSERT_TRUE(QFile::resize(m_view->document()->documentURL().toLocalFile(), 10000));
+    const QSignalSpy failed(m_view.get(), &PDFView::pageFailed);
+    m_view->goToEnd();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_view->pageFailure(59).isEmpty(); }));
+    EXPECT_FALSE(failed.isEmpty());
+    EXPECT_EQ(
+        m_view->pageFailure(59),
+        QStringLiteral(
+            "This page cannot be shown because another program has changed the file. Open the file "
+            "again to see what it holds now."));
+    const auto wordsOnPaper = [&] {
+        const QImage image = m_view->viewport()->grab(m_view->pageRect(59).toRect()).toImage();
+        int pixels = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                pixels += image.pixelColor(x, y).lightness() < 160 ? 1 : 0;
+        }
+        return pixels;
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return wordsOnPaper() > 100; })) << "the paper says nothing";
+
+    m_view->goToPage(0);
+    EXPECT_TRUE(becomes(m_view->pageRect(0).center(), colorOfPage(0))) << "what was drawn stays";
+    EXPECT_EQ(m_view->pageFailure(0), QString());
+}
+
+TEST_F(PDFViewTest, KeepsWhatWasDrawnOfAPageThatFailsLater)
+{
+    // The view shows the upper half of the page, and nothing of the rest is drawn in advance.
+    show(heavyDocument(60), {400, 500});
+    m_view->goToPage(1);
+    ASSERT_TRUE(becomes(m_view->pageRect(1).center(), colorOfPage(1)));
+    // So many pages on that nothing but the pictures of the page is kept.
+    for (int page = 2; page < 20; ++page) {
+        m_view->goToPage(page);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->isSharp(); }));
+    }
+    ASSERT_TRUE(QFile::resize(m_view->document()->documentURL().toLocalFile(), 10000));
+    m_view->goToPage(1);
+    EXPECT_TRUE(becomes(m_view->pageRect(1).center(), colorOfPage(1)));
+    // Drawn at another scale it would have to be read again.
+    m_view->setScaleFactor(1.5);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_view->pageFailure(1).isEmpty(); }));
+    m_view->setScaleFactor(1.0);
+    m_view->goToPage(1);
+    EXPECT_TRUE(becomes(m_view->pageRect(1).center(), colorOfPage(1)));
+}
+
+TEST_F(PDFViewTest, ShowsPagesOfAFileThatWasReplaced)
+{
+    show(heavyDocument(60));
+    const QString path = m_view->document()->documentURL().toLocalFile();
+    ASSERT_TRUE(QFile::remove(path));
+    ASSERT_TRUE(QFile::rename(m_folder.write(QStringLiteral("new.pdf"), "no PDF"), path));
+    m_view->goToPage(59);
+    EXPECT_TRUE(becomes(m_view->pageRect(59).center(), colorOfPage(59)));
 }
 
 TEST_F(PDFViewTest, StartsAnotherDocumentAtItsFirstPageAndKeepsTheScale)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <vector>
 
 namespace pdf {
 namespace {
@@ -227,6 +228,66 @@ TEST(PageViewportTest, ShowsTheMiddleOfAPageThatIsWiderThanTheView)
     viewport.setPageSize(0, {2000, 500});
     EXPECT_EQ(viewport.x(), viewport.maximumX() / 2);
     EXPECT_EQ(viewport.maximumX(), 2020 - 500);
+}
+
+/// A view of 500 by 400 pixels on pages of 500 points height and these widths.
+PageViewport viewportOnWidths(const std::vector<double>& widths)
+{
+    PageViewport viewport(static_cast<int>(widths.size()));
+    viewport.setGap(10);
+    viewport.setSize({500, 400});
+    for (std::size_t page = 0; page < widths.size(); ++page)
+        viewport.setPageSize(static_cast<int>(page), {widths[page], 500});
+    return viewport;
+}
+
+TEST(PageViewportTest, ShowsThePageThatWasGoneToWhereverTheViewWasSideways)
+{
+    PageViewport viewport = viewportOnWidths({300, 2000, 300});
+    for (const int side : {0, 10000}) {
+        viewport.goToPage(1);
+        viewport.scrollTo(side, viewport.y());
+        viewport.goToEnd();
+        EXPECT_EQ(viewport.pageRect(2).left(), 100);
+        viewport.goToPage(1);
+        viewport.scrollTo(side, viewport.y());
+        viewport.goToPage(0);
+        EXPECT_EQ(viewport.pageRect(0).left(), 100);
+    }
+}
+
+TEST(PageViewportTest, NeverScrollsToWhereOnlyThingsBesideThePagesAre)
+{
+    PageViewport viewport = viewportOnWidths({300, 2000, 300, 300});
+    viewport.scrollTo(0, viewport.layout().top(1));
+    EXPECT_EQ(viewport.pageRect(1).left(), 10);
+    viewport.scrollTo(viewport.x(), viewport.layout().top(2));
+    EXPECT_EQ(viewport.pageRect(2).left(), 100);
+    viewport.scrollTo(0, viewport.y());
+    EXPECT_EQ(viewport.pageRect(2).left(), 100) << "the visible pages fit into the view";
+}
+
+TEST(PageViewportTest, KeepsItsPlaceSidewaysFromPageToPageOfTheSameWidth)
+{
+    PageViewport viewport = viewportOnWidths({2000, 2000, 2000});
+    viewport.scrollTo(120, 0);
+    viewport.goToPage(1);
+    EXPECT_EQ(viewport.x(), 120);
+    viewport.goToEnd();
+    EXPECT_EQ(viewport.x(), 120);
+}
+
+TEST(PageViewportTest, LetsTheUserLookAsideOfThePageThatWasGoneTo)
+{
+    PageViewport viewport = viewportOnWidths({300, 2000});
+    viewport.setPageSize(0, {300, 100});
+    viewport.goToPage(0);
+    viewport.scrollTo(10000, viewport.y());
+    const qint64 aside = viewport.x();
+    EXPECT_EQ(viewport.pageRect(1).right() + 1, 500 - 10);
+    viewport.setPageSize(1, {2000, 510});
+    EXPECT_EQ(viewport.x(), aside);
+    EXPECT_EQ(viewport.currentPage(), 0);
 }
 
 TEST(PageViewportTest, StandsStillWithoutPages)

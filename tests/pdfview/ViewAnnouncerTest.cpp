@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QTest>
 
 #include <algorithm>
@@ -98,6 +99,17 @@ TEST_F(ViewAnnouncerTest, TellsOfAnotherPageAndItsText)
     m_announcements.clear();
     m_view->scrollBy({0, 5});
     EXPECT_TRUE(m_announcements.empty()) << "it is still that page";
+}
+
+TEST_F(ViewAnnouncerTest, TellsThatTheCurrentPageCannotBeShown)
+{
+    showPages(60);
+    QAccessible::setActive(true);
+    ASSERT_TRUE(QFile::resize(m_view->document()->documentURL().toLocalFile(), 1000));
+    m_view->goToPage(50);
+    m_announcements.clear();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_view->pageFailure(50).isEmpty(); }));
+    EXPECT_TRUE(last(QAccessible::DescriptionChanged));
 }
 
 TEST_F(ViewAnnouncerTest, TellsOfAnotherSelection)

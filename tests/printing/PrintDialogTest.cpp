@@ -140,16 +140,33 @@ TEST_F(PrintDialogTest, PrintsRangesOfPages)
 
 TEST_F(PrintDialogTest, AsksForPagesThatThereAre)
 {
-    for (const char* text : {"", "0", "13-", "1..3"}) {
-        check<QRadioButton>("Pages");
-        type("Page ranges", QString::fromLatin1(text));
-        press("Print");
-        EXPECT_TRUE(m_dialog.isVisible()) << text;
-        EXPECT_TRUE(visibleTexts(m_dialog).contains(
-            QStringLiteral("Enter pages of the document, such as 1-3, 5, 8-.")));
+    const QString request = QStringLiteral("Enter pages of the document, such as 1-3, 5, 8-.");
+    check<QRadioButton>("Pages");
+    EXPECT_EQ(complaint(), request);
+    for (const QString& text : {QStringLiteral("0"), QStringLiteral("1..3")}) {
+        type("Page ranges", QStringLiteral("1, ") + text);
+        EXPECT_EQ(complaint(), text + QStringLiteral(": this names no pages. ") + request);
     }
     type("Page ranges", QStringLiteral("3"));
     EXPECT_THAT(printedPages(), ElementsAre(2));
+}
+
+TEST_F(PrintDialogTest, NamesTheRangeThatGoesBeyondTheLastPage)
+{
+    type("Page ranges", QStringLiteral("3-1, 99"));
+    EXPECT_EQ(complaint(), QStringLiteral("99: the document has 12 pages."));
+    EXPECT_TRUE(m_dialog.isVisible()) << "nothing is printed before the range is mended";
+    auto* ranges = find<QLineEdit>("Page ranges");
+    QTest::keyClick(ranges, Qt::Key_End);
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(ranges, Qt::Key_Backspace);
+    EXPECT_FALSE(visibleTexts(m_dialog).contains(QStringLiteral("99: the document has 12 pages.")));
+    EXPECT_THAT(printedPages(), ElementsAre(2, 1, 0));
+}
+
+TEST_F(PrintDialogTest, ExplainsRangesThatGoBackwards)
+{
+    EXPECT_TRUE(find<QLineEdit>("Page ranges")->toolTip().contains(QStringLiteral("3-1")));
 }
 
 TEST_F(PrintDialogTest, AsksForAFileName)

@@ -3,6 +3,7 @@
 #include "pdf/PDFDocument.h"
 #include "support/Printing.h"
 #include "support/Widgets.h"
+#include "viewer/DocumentOpening.h"
 #include "viewer/PasswordDialog.h"
 #include "viewer/ViewerFixture.h"
 
@@ -11,6 +12,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QVBoxLayout>
 
 namespace quillo {
 namespace {
@@ -59,6 +61,28 @@ TEST_F(PasswordTest, AsksForThePasswordOfAnEncryptedFile)
     ASSERT_TRUE(resolved.wait(10000));
     ASSERT_TRUE(view().document());
     EXPECT_EQ(view().pageCount(), 2);
+}
+
+TEST_F(PasswordTest, AsksOverItsWindowOnceThatIsOnTheScreen)
+{
+    QWidget window;
+    window.setGeometry(120, 150, 600, 420);
+    m_state.setUrl(encryptedDocument(QStringLiteral("key"), QStringLiteral("early.pdf")));
+    m_viewer = std::make_unique<PDFViewer>(&m_state, m_analytics.service());
+    // Files are opened one after another, so the first one has an answer when this one has.
+    DocumentOpening::begin(documentOf(1).toLocalFile(), 1.0).result.waitForFinished();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(isDialogOpen<PasswordDialog>()) << "there is no window that it could be over";
+
+    auto* layout = new QVBoxLayout(&window);
+    layout->addWidget(m_viewer.get());
+    window.show();
+    auto* dialog = waitForDialog<PasswordDialog>();
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->parentWidget(), &window);
+    const QPoint distance = dialog->geometry().center() - window.geometry().center();
+    EXPECT_LT(distance.manhattanLength(), 60) << "x " << distance.x() << ", y " << distance.y();
+    m_viewer.reset();
 }
 
 TEST_F(PasswordTest, AsksAgainAfterAWrongOneUntilItIsRight)
