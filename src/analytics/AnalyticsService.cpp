@@ -65,7 +65,7 @@ void complete(
 } // namespace
 
 AnalyticsEnvironment::AnalyticsEnvironment()
-    : now(QDateTime::currentDateTimeUtc)
+    : now(PointInTime::now)
     , bundleValue(BundleInfo::informationValue)
     , operatingSystemVersion(SystemInfo::operatingSystemVersion)
     , deviceModel([] { return SystemInfo::deviceModel(); })
@@ -152,7 +152,7 @@ QVariantMap AnalyticsService::enrichMetadata(const QVariantMap& metadata) const
 
 double AnalyticsService::sessionDuration() const
 {
-    return static_cast<double>(m_sessionStart->msecsTo(m_environment.now())) / 1000.0;
+    return m_environment.now().seconds - m_sessionStart->seconds;
 }
 
 void AnalyticsService::startHeartbeat()

@@ -3,8 +3,8 @@
 
 #include "analytics/EventQueue.h"
 #include "analytics/EventType.h"
+#include "json/PointInTime.h"
 
-#include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
@@ -26,7 +26,7 @@ struct AnalyticsEnvironment
 {
     AnalyticsEnvironment();
 
-    std::function<QDateTime()> now;
+    std::function<PointInTime()> now;
     std::function<std::optional<QString>(QStringView key)> bundleValue;
     std::function<QString()> operatingSystemVersion;
     std::function<QString()> deviceModel;
@@ -97,7 +97,7 @@ private:
     const QString m_deviceID;
     /// Shared with nobody, but watched by the completion of a request, which may outlast the service.
     const std::shared_ptr<EventQueue> m_queue = std::make_shared<EventQueue>();
-    std::optional<QDateTime> m_sessionStart;
+    std::optional<PointInTime> m_sessionStart;
     /// The context of the heartbeat's timer, which goes with it.
     std::unique_ptr<QObject> m_heartbeat;
 };

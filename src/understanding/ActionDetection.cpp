@@ -138,7 +138,7 @@ private:
         if (date) {
             const QString text = QCoreApplication::translate(translationContext, "Due date found: %1");
             add(ReasonType::dueDate, text.arg(m_dateStyle.print(*date)), pageNumber).dueDate =
-                date->startOfDay(m_timeZone);
+                PointInTime::of(date->startOfDay(m_timeZone));
         } else {
             const QString text = QCoreApplication::translate(translationContext, "Document mentions '%1'");
             add(ReasonType::dueDate, text.arg(phrase), pageNumber);
