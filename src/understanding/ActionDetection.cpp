@@ -135,10 +135,10 @@ private:
 
     void addDueDate(QStringView phrase, std::optional<QDate> date, std::int64_t pageNumber)
     {
-        if (date) {
+        const auto beginning = date ? beginningOf(*date, m_timeZone) : std::nullopt;
+        if (beginning) {
             const QString text = QCoreApplication::translate(translationContext, "Due date found: %1");
-            add(ReasonType::dueDate, text.arg(m_dateStyle.print(*date)), pageNumber).dueDate =
-                PointInTime::of(date->startOfDay(m_timeZone));
+            add(ReasonType::dueDate, text.arg(m_dateStyle.print(*date)), pageNumber).dueDate = beginning;
         } else {
             const QString text = QCoreApplication::translate(translationContext, "Document mentions '%1'");
             add(ReasonType::dueDate, text.arg(phrase), pageNumber);

@@ -267,6 +267,24 @@ TEST(ActionDetectionTest, BeginsADayWhereItBeginsInTheZone)
     EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Due date found: Oct 15, 2017"));
 }
 
+TEST(ActionDetectionTest, HasNoDueDateOnADayThatTheZoneSkipped)
+{
+    const auto actions = detectActions(
+        pagesOf({QStringLiteral("deadline 12/30/2011")}), {QTimeZone("Pacific/Apia"), QLocale::c()});
+    EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Document mentions 'deadline'"));
+    EXPECT_EQ(actions.reasons.at(0).dueDate, std::nullopt);
+}
+
+TEST(ActionDetectionTest, TakesUtcForAZoneThatIsNotKnown)
+{
+    const auto actions = detectActions(
+        pagesOf({QStringLiteral("deadline 1/5/2024")}), {QTimeZone("Nowhere/Land"), QLocale::c()});
+    EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Due date found: Jan 5, 2024"));
+    ASSERT_TRUE(actions.reasons.at(0).dueDate);
+    EXPECT_EQ(
+        actions.reasons.at(0).dueDate->toDateTime(), QDateTime(QDate(2024, 1, 5), QTime(0, 0), Qt::UTC));
+}
+
 TEST(ActionDetectionTest, TakesAnythingForAText)
 {
     QString text;
