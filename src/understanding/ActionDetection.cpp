@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "understanding/ActionDetection.h"
 
+#include "platform/SystemInfo.h"
 #include "understanding/DateParsing.h"
 #include "understanding/DateScanner.h"
 #include "understanding/KeywordAutomaton.h"
@@ -172,7 +173,7 @@ private:
 
 DateSettings DateSettings::system()
 {
-    return {QTimeZone::systemTimeZone(), QLocale::system()};
+    return {QTimeZone::systemTimeZone(), SystemInfo::dateLocale()};
 }
 
 DocumentInsight::ActionRequired detectActions(const PageTexts& pages, const DateSettings& settings)

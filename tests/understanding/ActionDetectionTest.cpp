@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace quillo {
 namespace {
 
@@ -283,6 +285,22 @@ TEST(ActionDetectionTest, TakesUtcForAZoneThatIsNotKnown)
     ASSERT_TRUE(actions.reasons.at(0).dueDate);
     EXPECT_EQ(
         actions.reasons.at(0).dueDate->toDateTime(), QDateTime(QDate(2024, 1, 5), QTime(0, 0), Qt::UTC));
+}
+
+TEST(ActionDetectionTest, PrintsDatesInTheLocaleForTimesAndNotInThatOfTheMessages)
+{
+    const std::map<const char*, QByteArray> settings{
+        {"LC_ALL", ""}, {"LANG", "en_US.UTF-8"}, {"LC_MESSAGES", "it_IT.UTF-8"}, {"LC_TIME", "de_DE.UTF-8"}};
+    std::map<const char*, QByteArray> before;
+    for (const auto& [name, value] : settings) {
+        before[name] = qgetenv(name);
+        qputenv(name, value);
+    }
+    const QLocale locale = DateSettings::system().locale;
+    for (const auto& [name, value] : before)
+        qputenv(name, value);
+    const auto actions = detectActions(pagesOf({QStringLiteral("deadline 1/5/2024")}), {newYork, locale});
+    EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Due date found: 05.01.2024"));
 }
 
 TEST(ActionDetectionTest, TakesAnythingForAText)
