@@ -38,15 +38,6 @@ QString makeIdentifier()
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
 }
 
-QString storedDeviceID(UserDefaults& defaults)
-{
-    if (const auto stored = defaults.string(DefaultsKeys::deviceID))
-        return *stored;
-    QString created = makeIdentifier();
-    defaults.setString(DefaultsKeys::deviceID, created);
-    return created;
-}
-
 // Runs on the transport's thread; the queue has a lock of its own.
 void complete(
     const AnalyticsResponse& response, const std::vector<AnalyticsEvent>& events,
@@ -85,7 +76,7 @@ AnalyticsService::AnalyticsService(
     , m_transport(transport)
     , m_environment(std::move(environment))
     , m_analyticsEnabled(defaults.boolean(DefaultsKeys::analyticsEnabled).value_or(false))
-    , m_deviceID(storedDeviceID(defaults))
+    , m_deviceID(defaults.agreedString(DefaultsKeys::deviceID, makeIdentifier()))
 {}
 
 AnalyticsService& AnalyticsService::shared()
@@ -120,7 +111,7 @@ void AnalyticsService::trackEvent(EventType type, const QVariantMap& metadata)
     if (!m_analyticsEnabled)
         return;
     const std::size_t before =
-        m_queue->append({m_deviceID, type, enrichMetadata(metadata), m_environment.now()});
+        m_queue->append({deviceID(), type, enrichMetadata(metadata), m_environment.now()});
     if (before + 1 >= queueThreshold)
         sendBatch(false);
     m_timers.after(delayOfSend, this, [this] { sendBatch(false); });
@@ -174,7 +165,7 @@ void AnalyticsService::sendBatch(bool sync)
     }
     QByteArray text;
     try {
-        text = toJsonText(toJson(AnalyticsBatch{m_deviceID, events}));
+        text = toJsonText(toJson(AnalyticsBatch{deviceID(), events}));
     } catch (const EncodingError&) {
         m_queue->putBack(events);
         return;

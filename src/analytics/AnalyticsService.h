@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -61,8 +62,9 @@ public:
     /// Written to the defaults at once. Turning it off keeps what is queued until it is turned on again.
     void setAnalyticsEnabled(bool enabled);
 
-    /// The installation's identifier, upper-case UUID text.
-    const QString& deviceID() const { return m_deviceID; }
+    /// The installation's identifier, upper-case UUID text, the same in all processes. In the first moments
+    /// of the first launch this waits until it has been agreed upon; with analytics off nobody asks for it.
+    const QString& deviceID() const { return m_deviceID.get(); }
     /// What has not been uploaded yet, oldest first.
     std::vector<AnalyticsEvent> eventQueue() const { return m_queue->events(); }
     const QString& serverEndpoint() const { return m_environment.serverEndpoint; }
@@ -94,7 +96,7 @@ private:
     AnalyticsTransport& m_transport;
     const AnalyticsEnvironment m_environment;
     bool m_analyticsEnabled;
-    const QString m_deviceID;
+    const std::shared_future<QString> m_deviceID;
     /// Shared with nobody, but watched by the completion of a request, which may outlast the service.
     const std::shared_ptr<EventQueue> m_queue = std::make_shared<EventQueue>();
     std::optional<PointInTime> m_sessionStart;
