@@ -28,7 +28,7 @@ constexpr std::chrono::seconds usualRequestTimeout{60};
 constexpr int statusOfSuccess = 200;
 
 // The body is a bare DEFLATE stream all the same; the collection server knows.
-const QList<std::pair<QByteArray, QByteArray>> requestHeaders{
+constexpr std::pair<const char*, const char*> requestHeaders[] = {
     {"Content-Type", "application/json"},
     {"Content-Encoding", "gzip"},
 };
@@ -171,7 +171,10 @@ void AnalyticsService::sendBatch(bool sync)
         return;
     }
     const AnalyticsRequest request{
-        url, requestHeaders, deflated(text).value_or(QByteArray()), m_environment.requestTimeout};
+        url,
+        {std::begin(requestHeaders), std::end(requestHeaders)},
+        deflated(text).value_or(QByteArray()),
+        m_environment.requestTimeout};
     m_transport.post(
         request, [events, queue = std::weak_ptr(m_queue), printLine = m_environment.printLine](
                      const AnalyticsResponse& response) { complete(response, events, queue, printLine); });

@@ -17,7 +17,7 @@ namespace {
 constexpr std::chrono::milliseconds progressInterval(100);
 
 /// The program by which a printing system of this kind takes files.
-const QString spoolerProgram = QStringLiteral("lp");
+constexpr QLatin1String spoolerProgram("lp");
 
 /// What the file itself tells of the reason why it could not be written.
 QString sentenceAboutFile(const QFileInfo& file)

@@ -66,13 +66,13 @@ constexpr int charactersAfterPhrase = 100;
 /// All phrases of all tables, the due-date ones first.
 const KeywordAutomaton& phraseAutomaton()
 {
-    static const KeywordAutomaton automaton = [] {
+    static const auto* const automaton = [] {
         std::vector<QStringView> phrases(std::begin(dueDatePhrases), std::end(dueDatePhrases));
         for (const SimpleAction& action : simpleActions)
             phrases.insert(phrases.end(), action.phrases.begin(), action.phrases.end());
-        return KeywordAutomaton(phrases);
+        return new KeywordAutomaton(phrases);
     }();
-    return automaton;
+    return *automaton;
 }
 
 /// Cuts texts after a number of user-perceived characters.
