@@ -2,8 +2,8 @@
 #pragma once
 
 #include "analytics/EventType.h"
+#include "json/PointInTime.h"
 
-#include <QDateTime>
 #include <QString>
 #include <QVariantMap>
 
@@ -20,7 +20,7 @@ struct AnalyticsEvent
     /// Values that JSON can hold: strings, integers, finite numbers, Booleans, null, and lists and maps of
     /// these.
     QVariantMap metadata;
-    QDateTime timestamp;
+    PointInTime timestamp;
 
     bool operator==(const AnalyticsEvent&) const = default;
 };

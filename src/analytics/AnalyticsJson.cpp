@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "analytics/AnalyticsJson.h"
 
-#include "json/ReferenceDate.h"
+#include "json/PointInTime.h"
 
 #include <QMetaType>
 #include <QStringList>
@@ -136,7 +136,7 @@ Json toJson(const AnalyticsEvent& event)
     Json value = Json::object();
     value["deviceID"] = toJson(event.deviceID);
     value["eventType"] = toJson(rawValue(event.eventType));
-    value["timestamp"] = numberToJson(toReferenceSeconds(event.timestamp));
+    value["timestamp"] = numberToJson(event.timestamp.seconds);
     value["metadata"] = toJsonText(metadataToJson(event.metadata)).toStdString();
     return value;
 }
@@ -162,7 +162,7 @@ AnalyticsEvent analyticsEventFromJson(const Json& value)
     if (!found)
         throw DecodingError("\"eventType\": unknown value '" + type.toStdString() + "'");
     event.eventType = *found;
-    event.timestamp = fromReferenceSeconds(reader.number("timestamp"));
+    event.timestamp = PointInTime{reader.number("timestamp")};
     event.metadata = metadataFromText(reader.string("metadata"));
     return event;
 }

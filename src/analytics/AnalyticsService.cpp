@@ -28,7 +28,7 @@ constexpr std::chrono::seconds usualRequestTimeout{60};
 constexpr int statusOfSuccess = 200;
 
 // The body is a bare DEFLATE stream all the same; the collection server knows.
-const QList<std::pair<QByteArray, QByteArray>> requestHeaders{
+constexpr std::pair<const char*, const char*> requestHeaders[] = {
     {"Content-Type", "application/json"},
     {"Content-Encoding", "gzip"},
 };
@@ -36,15 +36,6 @@ const QList<std::pair<QByteArray, QByteArray>> requestHeaders{
 QString makeIdentifier()
 {
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-}
-
-QString storedDeviceID(UserDefaults& defaults)
-{
-    if (const auto stored = defaults.string(DefaultsKeys::deviceID))
-        return *stored;
-    QString created = makeIdentifier();
-    defaults.setString(DefaultsKeys::deviceID, created);
-    return created;
 }
 
 // Runs on the transport's thread; the queue has a lock of its own.
@@ -65,7 +56,7 @@ void complete(
 } // namespace
 
 AnalyticsEnvironment::AnalyticsEnvironment()
-    : now(QDateTime::currentDateTimeUtc)
+    : now(PointInTime::now)
     , bundleValue(BundleInfo::informationValue)
     , operatingSystemVersion(SystemInfo::operatingSystemVersion)
     , deviceModel([] { return SystemInfo::deviceModel(); })
@@ -86,7 +77,7 @@ AnalyticsService::AnalyticsService(
     , m_transport(transport)
     , m_environment(std::move(environment))
     , m_analyticsEnabled(defaults.boolean(DefaultsKeys::analyticsEnabled).value_or(false))
-    , m_deviceID(storedDeviceID(defaults))
+    , m_deviceID(defaults.agreedString(DefaultsKeys::deviceID, makeIdentifier()))
 {}
 
 AnalyticsService& AnalyticsService::shared()
@@ -121,7 +112,7 @@ void AnalyticsService::trackEvent(EventType type, const QVariantMap& metadata)
     if (!m_analyticsEnabled)
         return;
     const std::size_t before =
-        m_queue->append({m_deviceID, type, enrichMetadata(metadata), m_environment.now()});
+        m_queue->append({deviceID(), type, enrichMetadata(metadata), m_environment.now()});
     if (before + 1 >= queueThreshold)
         sendBatch(false);
     m_timers.after(delayOfSend, this, [this] { sendBatch(false); });
@@ -153,7 +144,7 @@ QVariantMap AnalyticsService::enrichMetadata(const QVariantMap& metadata) const
 
 double AnalyticsService::sessionDuration() const
 {
-    return static_cast<double>(m_sessionStart->msecsTo(m_environment.now())) / 1000.0;
+    return m_environment.now().seconds - m_sessionStart->seconds;
 }
 
 void AnalyticsService::startHeartbeat()
@@ -175,13 +166,15 @@ void AnalyticsService::sendBatch(bool sync)
     }
     QByteArray text;
     try {
-        text = toJsonText(toJson(AnalyticsBatch{m_deviceID, events}));
+        text = toJsonText(toJson(AnalyticsBatch{deviceID(), events}));
     } catch (const EncodingError&) {
         m_queue->putBack(events);
         return;
     }
     const AnalyticsRequest request{
-        url, requestHeaders, m_environment.compress(text).value_or(QByteArray()),
+        url,
+        {std::begin(requestHeaders), std::end(requestHeaders)},
+        m_environment.compress(text).value_or(QByteArray()),
         m_environment.requestTimeout};
     m_transport.post(
         request, [events, queue = std::weak_ptr(m_queue), printLine = m_environment.printLine](

@@ -3,15 +3,16 @@
 
 #include "analytics/EventQueue.h"
 #include "analytics/EventType.h"
+#include "json/PointInTime.h"
 
 #include <QByteArray>
-#include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
 
 #include <chrono>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -27,7 +28,7 @@ struct AnalyticsEnvironment
 {
     AnalyticsEnvironment();
 
-    std::function<QDateTime()> now;
+    std::function<PointInTime()> now;
     std::function<std::optional<QString>(QStringView key)> bundleValue;
     std::function<QString()> operatingSystemVersion;
     std::function<QString()> deviceModel;
@@ -64,8 +65,9 @@ public:
     /// Written to the defaults at once. Turning it off keeps what is queued until it is turned on again.
     void setAnalyticsEnabled(bool enabled);
 
-    /// The installation's identifier, upper-case UUID text.
-    const QString& deviceID() const { return m_deviceID; }
+    /// The installation's identifier, upper-case UUID text, the same in all processes. In the first moments
+    /// of the first launch this waits until it has been agreed upon; with analytics off nobody asks for it.
+    const QString& deviceID() const { return m_deviceID.get(); }
     /// What has not been uploaded yet, oldest first.
     std::vector<AnalyticsEvent> eventQueue() const { return m_queue->events(); }
     const QString& serverEndpoint() const { return m_environment.serverEndpoint; }
@@ -97,10 +99,10 @@ private:
     AnalyticsTransport& m_transport;
     const AnalyticsEnvironment m_environment;
     bool m_analyticsEnabled;
-    const QString m_deviceID;
+    const std::shared_future<QString> m_deviceID;
     /// Shared with nobody, but watched by the completion of a request, which may outlast the service.
     const std::shared_ptr<EventQueue> m_queue = std::make_shared<EventQueue>();
-    std::optional<QDateTime> m_sessionStart;
+    std::optional<PointInTime> m_sessionStart;
     /// The context of the heartbeat's timer, which goes with it.
     std::unique_ptr<QObject> m_heartbeat;
 };

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int mascotWidth = 30;
 constexpr int gap = 6;
-const QString mascot = QStringLiteral("✨");
+constexpr QStringView mascot = u"✨";
 
 struct Run
 {
@@ -50,7 +50,7 @@ void BrandMark::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setFont(Theme::emojiFont(TextStyle::title));
     painter.setPen(Theme::current().color(ThemeColor::primaryText));
-    painter.drawText(QRect(0, 0, mascotWidth, height()), Qt::AlignCenter, mascot);
+    painter.drawText(QRect(0, 0, mascotWidth, height()), Qt::AlignCenter, mascot.toString());
     painter.setFont(Theme::font(TextStyle::headline));
     int x = mascotWidth + gap;
     for (const Run& run : nameRuns) {

@@ -102,8 +102,8 @@ private:
 
 QStyle* quietStyle()
 {
-    static QuietScrollBarStyle style;
-    return &style;
+    static auto* const style = new QuietScrollBarStyle;
+    return style;
 }
 
 } // namespace

@@ -7,8 +7,8 @@ namespace quillo {
 
 DocumentPasswords& DocumentPasswords::shared()
 {
-    static DocumentPasswords passwords;
-    return passwords;
+    static auto* const passwords = new DocumentPasswords;
+    return *passwords;
 }
 
 void DocumentPasswords::remember(const QString& path, const QString& password)

@@ -183,8 +183,8 @@ PDFTextExtractor::PDFTextExtractor()
 
 PDFTextExtractor& PDFTextExtractor::shared()
 {
-    static PDFTextExtractor extractor;
-    return extractor;
+    static auto* const extractor = new PDFTextExtractor;
+    return *extractor;
 }
 
 PageText

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "insight/ExtractedItem.h"
+#include "json/PointInTime.h"
 
-#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -29,7 +29,7 @@ struct DocumentInsight
         /// Zero-based page where it was found.
         std::int64_t pageNumber = 0;
         /// Only for due dates that could be parsed.
-        std::optional<QDateTime> dueDate;
+        std::optional<PointInTime> dueDate;
     };
 
     struct ActionRequired

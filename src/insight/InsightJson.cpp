@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "insight/InsightJson.h"
 
-#include "json/ReferenceDate.h"
+#include "json/PointInTime.h"
 
 namespace quillo {
 namespace {
@@ -45,7 +45,7 @@ Json toJson(const DocumentInsight::ActionReason& reason)
     value["description"] = toJson(reason.description);
     value["pageNumber"] = reason.pageNumber;
     if (reason.dueDate)
-        value["dueDate"] = toReferenceSeconds(*reason.dueDate);
+        value["dueDate"] = reason.dueDate->seconds;
     return value;
 }
 
@@ -106,7 +106,7 @@ DocumentInsight::ActionReason actionReasonFromJson(const Json& value)
     reason.description = reader.string("description");
     reason.pageNumber = reader.integer("pageNumber");
     if (const auto seconds = reader.optionalNumber("dueDate"))
-        reason.dueDate = fromReferenceSeconds(*seconds);
+        reason.dueDate = PointInTime{*seconds};
     return reason;
 }
 

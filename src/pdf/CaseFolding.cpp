@@ -83,14 +83,14 @@ std::u32string folded(const QString& text)
 
 const CaseFolding& CaseFolding::ignoringCase()
 {
-    static const CaseFolding folding(true);
-    return folding;
+    static const auto* const folding = new CaseFolding(true);
+    return *folding;
 }
 
 const CaseFolding& CaseFolding::keepingCase()
 {
-    static const CaseFolding folding(false);
-    return folding;
+    static const auto* const folding = new CaseFolding(false);
+    return *folding;
 }
 
 CaseFolding::CaseFolding(bool ignoresCase)

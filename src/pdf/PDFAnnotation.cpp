@@ -38,14 +38,14 @@ QFont forPaper(QFont font)
 /// A device whose pixels are points.
 const QPaintDevice& pointDevice()
 {
-    static const QImage device = [] {
+    static const auto* const device = [] {
         constexpr int dotsPerMetre = 2835;
-        QImage image(1, 1, QImage::Format_RGB32);
-        image.setDotsPerMeterX(dotsPerMetre);
-        image.setDotsPerMeterY(dotsPerMetre);
+        auto* image = new QImage(1, 1, QImage::Format_RGB32);
+        image->setDotsPerMeterX(dotsPerMetre);
+        image->setDotsPerMeterY(dotsPerMetre);
         return image;
     }();
-    return device;
+    return *device;
 }
 
 /// Draws the lines half way between the area's top and bottom, wherever that takes them.

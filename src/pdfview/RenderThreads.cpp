@@ -8,8 +8,8 @@ namespace pdf {
 
 RenderThreads& RenderThreads::shared()
 {
-    static RenderThreads threads;
-    return threads;
+    static auto* const threads = new RenderThreads;
+    return *threads;
 }
 
 RenderThreads::RenderThreads()

@@ -164,6 +164,19 @@ bool makeFolder(const QString& path)
     return QDir().mkpath(folder.path()) && (QDir().mkdir(path, ownerOnlyFolder) || folder.isDir());
 }
 
+// The text that each key has from now on, its own or else the proposed one.
+DefaultsProposals agree(DefaultsProposals proposals, IniValues& values)
+{
+    for (auto& [key, text] : proposals) {
+        IniValue& value = values.try_emplace(key, text).first->second;
+        if (const auto* own = std::get_if<QString>(&value))
+            text = *own;
+        else
+            value = text;
+    }
+    return proposals;
+}
+
 // A file that is a link stays one; what it points to is replaced.
 QString withoutLinks(const QString& path)
 {
@@ -182,24 +195,30 @@ IniValues DefaultsFile::read() const
     return readContent(m_path).values;
 }
 
-bool DefaultsFile::apply(const DefaultsChanges& changes) const
+std::optional<DefaultsProposals>
+DefaultsFile::apply(const DefaultsChanges& changes, const DefaultsProposals& proposals) const
 {
     if (!makeFolder(QFileInfo(m_path).path()))
-        return false;
+        return std::nullopt;
     const FileDescriptor lockFile(m_path + QStringLiteral(".lock"), O_RDWR | O_CREAT);
     if (!lockFile.isOpen() || !lock(lockFile))
-        return false;
+        return std::nullopt;
     const QString path = withoutLinks(m_path);
     Content content = readContent(path);
     if (content.state == State::unavailable || (content.state == State::damaged && !putAside(path)))
-        return false;
+        return std::nullopt;
+    const IniValues before = content.values;
     for (const auto& [key, value] : changes) {
         if (value)
             content.values.insert_or_assign(key, *value);
         else
             content.values.erase(key);
     }
-    return replace(path, formatIni(content.values));
+    DefaultsProposals agreed = agree(proposals, content.values);
+    if ((content.state != State::readable || content.values != before) &&
+        !replace(path, formatIni(content.values)))
+        return std::nullopt;
+    return agreed;
 }
 
 } // namespace quillo

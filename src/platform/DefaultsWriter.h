@@ -4,6 +4,8 @@
 #include "platform/DefaultsFile.h"
 
 #include <condition_variable>
+#include <future>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -25,10 +27,22 @@ public:
     /// next change, and at the end. Any thread.
     void change(const QString& key, std::optional<IniValue> value);
 
+    /// Gives the key the text unless it has one in the file by then, whoever wrote it. The future tells, once
+    /// the file has been written, which text the key has; where it cannot be written, that is the proposed
+    /// one, which is then kept and tried again like any change. Any thread.
+    std::shared_future<QString> propose(const QString& key, const QString& text);
+
     /// Writes what has not been written yet and returns whether nothing is left to write. Any thread.
     bool synchronize();
 
 private:
+    struct Proposal
+    {
+        QString text;
+        std::promise<QString> agreed;
+    };
+
+    void wake();
     void run();
 
     const DefaultsFile m_file;
@@ -38,6 +52,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_wake;
     DefaultsChanges m_pending;
+    std::map<QString, Proposal> m_proposals;
     bool m_due = false;
     bool m_stopping = false;
     std::thread m_thread;

@@ -13,9 +13,9 @@ constexpr QByteArrayView firstLine =
 constexpr QByteArrayView lastLine = "; End of settings.\n";
 constexpr QByteArrayView byteOrderMark = "\xef\xbb\xbf";
 
-const QString bytesPrefix = QStringLiteral("@ByteArray(");
-const QString textPrefix = QStringLiteral("@String(");
-const QString generalSection = QStringLiteral("General");
+constexpr QLatin1String bytesPrefix("@ByteArray(");
+constexpr QLatin1String textPrefix("@String(");
+constexpr QLatin1String generalSection("General");
 
 constexpr std::array<std::pair<char, char>, 10> escapes{{
     {'\\', '\\'},

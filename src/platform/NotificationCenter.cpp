@@ -11,8 +11,8 @@ NotificationCenter::NotificationCenter(QObject* parent)
 
 NotificationCenter& NotificationCenter::defaultCenter()
 {
-    static NotificationCenter center;
-    return center;
+    static auto* const center = new NotificationCenter;
+    return *center;
 }
 
 void NotificationCenter::post(const QString& name, const QVariant& object)

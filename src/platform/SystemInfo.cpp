@@ -27,6 +27,30 @@ QString lineIn(const QString& path)
     return QString::fromUtf8(contentOf(path).constData()).trimmed();
 }
 
+struct ScriptModifier
+{
+    QStringView modifier;
+    QStringView script;
+};
+
+// "sr_RS.UTF-8@latin": what QLocale would pass over.
+constexpr ScriptModifier scriptModifiers[] = {
+    {u"latin", u"Latn"},
+    {u"cyrillic", u"Cyrl"},
+    {u"devanagari", u"Deva"},
+};
+
+QLocale localeNamed(const QString& name)
+{
+    const QString modifier = name.section(u'@', 1);
+    QString bare = name.section(u'@', 0, 0).section(u'.', 0, 0);
+    for (const auto& [known, script] : scriptModifiers) {
+        if (modifier == known)
+            bare.replace(u'_', QStringLiteral("_%1_").arg(script));
+    }
+    return QLocale(bare);
+}
+
 } // namespace
 
 QString operatingSystemVersion()
@@ -52,6 +76,15 @@ QString screenResolution(const QScreen* screen)
         return QStringLiteral("unknown");
     const QSize size = screen->size();
     return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+}
+
+QLocale dateLocale()
+{
+    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+        if (const QString name = qEnvironmentVariable(variable); !name.isEmpty())
+            return localeNamed(name);
+    }
+    return QLocale::system();
 }
 
 qint64 availableMemory(const Sources& sources)

@@ -49,9 +49,8 @@ std::optional<QString> UserDefaults::string(const QString& key) const
 
 std::optional<QByteArray> UserDefaults::bytes(const QString& key) const
 {
-    const auto found = values().find(key);
-    const auto* value = found == values().end() ? nullptr : std::get_if<QByteArray>(&found->second);
-    return value == nullptr ? std::nullopt : std::optional(*value);
+    const auto* found = std::get_if<QByteArray>(value(key));
+    return found == nullptr ? std::nullopt : std::optional(*found);
 }
 
 void UserDefaults::setBoolean(const QString& key, bool value)
@@ -76,10 +75,27 @@ void UserDefaults::setBytes(const QString& key, const QByteArray& value)
 
 void UserDefaults::remove(const QString& key)
 {
-    if (values().erase(key) == 0)
-        return;
+    const bool wasAgreed = m_agreements.erase(key) > 0;
+    const bool isChange = values().erase(key) > 0 || wasAgreed;
+    // Also where the key is absent here: another process may have written it.
     m_writer.change(key, std::nullopt);
+    if (isChange)
+        Q_EMIT changed(key);
+}
+
+std::shared_future<QString> UserDefaults::agreedString(const QString& key, const QString& proposal)
+{
+    if (const auto agreement = m_agreements.find(key); agreement != m_agreements.end())
+        return agreement->second;
+    if (const QString* own = text(key)) {
+        std::promise<QString> known;
+        known.set_value(*own);
+        return known.get_future().share();
+    }
+    const auto agreed = m_writer.propose(key, proposal);
+    m_agreements.emplace(key, agreed);
     Q_EMIT changed(key);
+    return agreed;
 }
 
 void UserDefaults::addObserver(QObject* context, const QString& key, Handler handler)
@@ -104,20 +120,32 @@ IniValues& UserDefaults::values() const
     return *m_values;
 }
 
+const IniValue* UserDefaults::value(const QString& key) const
+{
+    if (const auto agreement = m_agreements.find(key); agreement != m_agreements.end()) {
+        values().insert_or_assign(key, agreement->second.get());
+        m_agreements.erase(agreement);
+    }
+    const auto found = values().find(key);
+    return found == values().end() ? nullptr : &found->second;
+}
+
 const QString* UserDefaults::text(const QString& key) const
 {
-    const auto found = values().find(key);
-    return found == values().end() ? nullptr : std::get_if<QString>(&found->second);
+    return std::get_if<QString>(value(key));
 }
 
 void UserDefaults::set(const QString& key, IniValue value)
 {
+    const bool wasAgreed = m_agreements.erase(key) > 0;
     const auto found = values().find(key);
-    if (found != values().end() && found->second == value)
-        return;
-    values().insert_or_assign(key, value);
+    const bool isChange = wasAgreed || found == values().end() || found->second != value;
+    if (isChange)
+        values().insert_or_assign(key, value);
+    // Also where it is the value known here: another process may have written another one.
     m_writer.change(key, std::move(value));
-    Q_EMIT changed(key);
+    if (isChange)
+        Q_EMIT changed(key);
 }
 
 } // namespace quillo

@@ -9,13 +9,16 @@
 #include <QString>
 
 #include <functional>
+#include <future>
+#include <map>
 #include <optional>
 
 namespace quillo {
 
 /// The user's settings by key, kept in one INI file that only its owner can read. A change can be read at
 /// once, its observers have been told when the setter returns, and within a second, at the latest when the
-/// object goes, it is on disk; other processes' keys in the same file are left alone. The file is first
+/// object goes, it is on disk, in the place of whatever another process wrote there earlier; other processes'
+/// keys in the same file are left alone. The file is first
 /// read when a value is first asked for. A file that is damaged or not to be had is an empty one: nothing
 /// is reported, and what cannot be written stays in memory. Main thread only.
 ///
@@ -46,6 +49,11 @@ public:
     void setBytes(const QString& key, const QByteArray& value);
     void remove(const QString& key);
 
+    /// The text that the key has in all processes from now on: the one that it has or, when it has none here
+    /// nor in the file, the proposed one. Processes that propose at once come to the same text. The file is
+    /// asked and written on another thread; until then reading the key waits for that.
+    std::shared_future<QString> agreedString(const QString& key, const QString& proposal);
+
     /// Calls the handler after every change of the key's value, whoever made it in this process. The observer
     /// lasts as long as its context.
     void addObserver(QObject* context, const QString& key, Handler handler);
@@ -58,11 +66,14 @@ Q_SIGNALS:
 
 private:
     IniValues& values() const;
+    const IniValue* value(const QString& key) const;
     const QString* text(const QString& key) const;
     void set(const QString& key, IniValue value);
 
     DefaultsFile m_file;
     mutable std::optional<IniValues> m_values;
+    /// What is being agreed upon, by key.
+    mutable std::map<QString, std::shared_future<QString>> m_agreements;
     DefaultsWriter m_writer;
 };
 

@@ -204,9 +204,7 @@ void PrintDialog::setPrinters(const PrinterListing& listing)
     m_printers = listing.printers;
     m_note->setVisible(!listing.error.isEmpty() || m_printers.empty());
     m_note->setWrapping(!listing.error.isEmpty());
-    m_note->setText(
-        listing.error.isEmpty() ? tr("There are no printers.")
-                                : tr("Printers cannot be used: %1").arg(listing.error));
+    m_note->setText(listing.error.isEmpty() ? tr("There are no printers.") : tr("Printers cannot be used."));
     int usual = -1;
     for (std::size_t i = 0; i < m_printers.size(); ++i) {
         const auto index = static_cast<int>(i);

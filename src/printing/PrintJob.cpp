@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "printing/PrintJob.h"
 
+#include "platform/Console.h"
 #include "printing/RunningPrints.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTimer>
 
@@ -15,24 +17,46 @@ namespace {
 constexpr std::chrono::milliseconds progressInterval(100);
 
 /// The program by which a printing system of this kind takes files.
-const QString spoolerProgram = QStringLiteral("lp");
+constexpr QLatin1String spoolerProgram("lp");
 
-QString sentence(const pdf::PDFError& error)
+/// What the file itself tells of the reason why it could not be written.
+QString sentenceAboutFile(const QFileInfo& file)
+{
+    const QFileInfo folder(file.path());
+    if (!folder.isDir())
+        return PrintJob::tr("The folder of the file does not exist.");
+    if (file.exists() && !file.isFile())
+        return PrintJob::tr("What has this name is no file that could be replaced.");
+    if (file.exists() && !file.isWritable())
+        return PrintJob::tr("The file may not be changed.");
+    if (!folder.isWritable())
+        return PrintJob::tr("The folder of the file may not be changed.");
+    return PrintJob::tr("The file cannot be written. There may not be enough space for it.");
+}
+
+/// The engine's own words are for the console; people get a sentence that can be translated.
+QString sentence(const pdf::PDFError& error, const QFileInfo& document, const QFileInfo& file)
 {
     using Code = pdf::PDFError::Code;
     switch (error.code) {
     case Code::refused:
+        return document == file ? PrintJob::tr("A document is not printed over its own file.")
+                                : PrintJob::tr("The document does not allow printing.");
     case Code::unwritable:
-    case Code::changedMeanwhile: {
-        QString text = error.message;
-        text[0] = text[0].toUpper();
-        return text + u'.';
-    }
+        return sentenceAboutFile(file);
+    case Code::changedMeanwhile:
+        return PrintJob::tr("Another program has changed the file since it was opened.");
     case Code::limitExceeded:
-        return QObject::tr("There is more to print than can be printed at once.");
+        return PrintJob::tr("There is more to print than can be printed at once.");
     default:
-        return QObject::tr("The document cannot be read.");
+        return PrintJob::tr("The document cannot be read.");
     }
+}
+
+void reportToConsole(const QString& reason)
+{
+    // One line, whatever came.
+    printLine(QStringLiteral("❌ Printing failed: %1").arg(reason.simplified()));
 }
 
 } // namespace
@@ -42,6 +66,14 @@ struct PrintJob::Progress
 {
     std::atomic<int> sheets = 0;
     std::atomic<int> total = 0;
+};
+
+/// How the writing ended.
+struct PrintJob::Ending
+{
+    pdf::Result<pdf::PrintOutcome> outcome;
+    /// For people, where there are no sheets.
+    QString reason;
 };
 
 PrintJob::PrintJob(
@@ -73,14 +105,24 @@ void PrintJob::start()
         // The folder is removed when nobody writes into it any more.
         [document = m_document, file = m_file, folder = m_folder, layout = m_settings.layout,
          cancellation = m_cancellation, progress = m_progress, running = std::make_shared<RunningPrint>()] {
-            return document->writePrintable(file, layout, cancellation, [progress](int sheets, int total) {
-                progress->total = total;
-                progress->sheets = sheets;
-            });
+            Ending ending{
+                document->writePrintable(
+                    file, layout, cancellation,
+                    [progress](int sheets, int total) {
+                        progress->total = total;
+                        progress->sheets = sheets;
+                    }),
+                {}};
+            // Here, because looking at files can take its time.
+            if (!ending.outcome)
+                ending.reason = sentence(
+                    ending.outcome.error(), QFileInfo(document->documentURL().toLocalFile()),
+                    QFileInfo(file));
+            return ending;
         },
-        [this, timer](const pdf::Result<pdf::PrintOutcome>& outcome) {
+        [this, timer](const Ending& ending) {
             delete timer;
-            takeSheets(outcome);
+            takeSheets(ending);
         });
 }
 
@@ -104,17 +146,18 @@ void PrintJob::takeProgress()
         Q_EMIT progressed(m_progress->sheets, m_progress->total);
 }
 
-void PrintJob::takeSheets(const pdf::Result<pdf::PrintOutcome>& outcome)
+void PrintJob::takeSheets(const Ending& ending)
 {
     if (m_isOver)
         return;
-    if (!outcome) {
+    if (!ending.outcome) {
         m_isOver = true;
-        Q_EMIT failed(sentence(outcome.error()));
+        reportToConsole(ending.outcome.error().message);
+        Q_EMIT failed(ending.reason);
         return;
     }
     takeProgress();
-    m_outcome = *outcome;
+    m_outcome = *ending.outcome;
     if (m_folder) {
         handOver();
     } else {
@@ -138,6 +181,7 @@ void PrintJob::handOver()
         if (error != QProcess::FailedToStart || m_isOver)
             return;
         m_isOver = true;
+        reportToConsole(m_spooler->errorString());
         m_spooler->deleteLater();
         m_spooler = nullptr;
         Q_EMIT failed(tr("The printing system is not installed."));
@@ -148,16 +192,17 @@ void PrintJob::handOver()
 void PrintJob::takeAnswer(int exitCode)
 {
     m_isOver = true;
-    const QString answer = QString::fromLocal8Bit(m_spooler->readAll()).trimmed();
+    const QString answer = QString::fromLocal8Bit(m_spooler->readAll());
     const bool isAccepted = exitCode == 0 && m_spooler->exitStatus() == QProcess::NormalExit;
     m_spooler->deleteLater();
     m_spooler = nullptr;
-    if (isAccepted)
+    if (isAccepted) {
         Q_EMIT printed(m_outcome);
-    else
-        Q_EMIT failed(
-            answer.isEmpty() ? tr("The printing system did not accept the document.")
-                             : tr("The printing system says: %1").arg(answer));
+        return;
+    }
+    reportToConsole(
+        QStringLiteral("%1 ended with status %2. %3").arg(spoolerProgram).arg(exitCode).arg(answer));
+    Q_EMIT failed(tr("The printing system did not accept the document."));
 }
 
 } // namespace quillo

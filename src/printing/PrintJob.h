@@ -37,13 +37,14 @@ Q_SIGNALS:
     void progressed(int sheets, int totalSheets);
     /// The sheets are with the printing system, or in the file.
     void printed(const pdf::PrintOutcome& outcome);
-    /// One sentence.
+    /// Sentences in the user's language. What the engine or the printing system said is on the console.
     void failed(const QString& reason);
 
 private:
     struct Progress;
+    struct Ending;
 
-    void takeSheets(const pdf::Result<pdf::PrintOutcome>& outcome);
+    void takeSheets(const Ending& ending);
     void takeProgress();
     void handOver();
     void takeAnswer(int exitCode);

@@ -2,6 +2,7 @@
 #include "printing/PrintOperation.h"
 
 #include "pdf/PDFDocument.h"
+#include "platform/Console.h"
 #include "printing/PrintDialog.h"
 #include "printing/PrintJob.h"
 #include "printing/PrintProgressDialog.h"
@@ -66,6 +67,8 @@ void PrintOperation::start()
     });
     m_dialog->open();
     m_queue.add(m_printers, [this](const PrinterListing& listing) {
+        if (!listing.error.isEmpty())
+            printLine(QStringLiteral("❌ Printers cannot be used: %1").arg(listing.error.simplified()));
         if (m_dialog)
             m_dialog->setPrinters(listing);
     });

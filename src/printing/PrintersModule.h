@@ -14,6 +14,7 @@ namespace quillo {
 struct PrinterListing
 {
     std::vector<PrinterDescription> printers;
+    /// For the console; empty where they can be told.
     QString error;
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "json/PointInTime.h"
+
 #include <QByteArray>
-#include <QDateTime>
 #include <QString>
 
 #include <optional>
@@ -27,13 +28,13 @@ struct UserProfile
     QString lastName;
     QString email;
     QString phone;
-    std::optional<QDateTime> dateOfBirth;
+    std::optional<PointInTime> dateOfBirth;
     Address address;
     QString organization;
     QString jobTitle;
     /// PNG with alpha.
     std::optional<QByteArray> signatureImageData;
-    std::optional<QDateTime> signatureCreatedDate;
+    std::optional<PointInTime> signatureCreatedDate;
     /// The name for typed signatures; when empty, it is built from the first and the last name.
     QString signatureFullName;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "profile/UserProfileJson.h"
 
-#include "json/ReferenceDate.h"
+#include "json/PointInTime.h"
 
 #include <array>
 #include <utility>
@@ -30,7 +30,7 @@ constexpr TextMembers<UserProfile::Address, 5> addressTexts{{
     {"country", &UserProfile::Address::country},
 }};
 
-constexpr std::array<std::pair<const char*, std::optional<QDateTime> UserProfile::*>, 2> profileDates{{
+constexpr std::array<std::pair<const char*, std::optional<PointInTime> UserProfile::*>, 2> profileDates{{
     {"dateOfBirth", &UserProfile::dateOfBirth},
     {"signatureCreatedDate", &UserProfile::signatureCreatedDate},
 }};
@@ -59,7 +59,7 @@ QByteArray encodeUserProfile(const UserProfile& profile)
     value["address"] = textsToJson(profile.address, addressTexts);
     for (const auto& [key, member] : profileDates) {
         if (profile.*member)
-            value[key] = toReferenceSeconds(*(profile.*member));
+            value[key] = (profile.*member)->seconds;
     }
     QByteArray text = toJsonText(value);
     if (profile.signatureImageData) {
@@ -82,7 +82,7 @@ UserProfile decodeUserProfile(const QByteArray& text)
     textsFromJson(JsonObjectReader(reader.object("address"), "address"), addressTexts, profile.address);
     for (const auto& [key, member] : profileDates) {
         if (const auto seconds = reader.optionalNumber(key))
-            profile.*member = fromReferenceSeconds(*seconds);
+            profile.*member = PointInTime{*seconds};
     }
     profile.signatureImageData = reader.optionalBase64("signatureImageData");
     return profile;

@@ -20,14 +20,14 @@ class UserProfileService : public QObject
     Q_OBJECT
 
 public:
-    using Clock = std::function<QDateTime()>;
+    using Clock = std::function<PointInTime()>;
 
     /// Where the defaults keep the profile's JSON text, as bytes.
     static inline const QString profileKey = QStringLiteral("com.quillo.userProfile");
 
     /// The defaults must outlive the service.
     explicit UserProfileService(
-        UserDefaults& defaults, Clock clock = QDateTime::currentDateTimeUtc, QObject* parent = nullptr);
+        UserDefaults& defaults, Clock clock = PointInTime::now, QObject* parent = nullptr);
 
     /// The process-wide service over the standard defaults; never destroyed.
     static UserProfileService& shared();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "understanding/ActionDetection.h"
 
+#include "platform/SystemInfo.h"
 #include "understanding/DateParsing.h"
 #include "understanding/DateScanner.h"
 #include "understanding/KeywordAutomaton.h"
@@ -65,13 +66,13 @@ constexpr int charactersAfterPhrase = 100;
 /// All phrases of all tables, the due-date ones first.
 const KeywordAutomaton& phraseAutomaton()
 {
-    static const KeywordAutomaton automaton = [] {
+    static const auto* const automaton = [] {
         std::vector<QStringView> phrases(std::begin(dueDatePhrases), std::end(dueDatePhrases));
         for (const SimpleAction& action : simpleActions)
             phrases.insert(phrases.end(), action.phrases.begin(), action.phrases.end());
-        return KeywordAutomaton(phrases);
+        return new KeywordAutomaton(phrases);
     }();
-    return automaton;
+    return *automaton;
 }
 
 /// Cuts texts after a number of user-perceived characters.
@@ -135,10 +136,10 @@ private:
 
     void addDueDate(QStringView phrase, std::optional<QDate> date, std::int64_t pageNumber)
     {
-        if (date) {
+        const auto beginning = date ? beginningOf(*date, m_timeZone) : std::nullopt;
+        if (beginning) {
             const QString text = QCoreApplication::translate(translationContext, "Due date found: %1");
-            add(ReasonType::dueDate, text.arg(m_dateStyle.print(*date)), pageNumber).dueDate =
-                date->startOfDay(m_timeZone);
+            add(ReasonType::dueDate, text.arg(m_dateStyle.print(*date)), pageNumber).dueDate = beginning;
         } else {
             const QString text = QCoreApplication::translate(translationContext, "Document mentions '%1'");
             add(ReasonType::dueDate, text.arg(phrase), pageNumber);
@@ -172,7 +173,7 @@ private:
 
 DateSettings DateSettings::system()
 {
-    return {QTimeZone::systemTimeZone(), QLocale::system()};
+    return {QTimeZone::systemTimeZone(), SystemInfo::dateLocale()};
 }
 
 DocumentInsight::ActionRequired detectActions(const PageTexts& pages, const DateSettings& settings)

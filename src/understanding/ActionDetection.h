@@ -12,7 +12,8 @@ namespace quillo {
 /// How due dates become instants and texts.
 struct DateSettings
 {
-    /// A due date is the beginning of its day here.
+    /// A due date is the beginning of its day here; a day that the zone skips is no date. UTC stands in for a
+    /// zone that is not known.
     QTimeZone timeZone;
     /// Due dates are printed in its medium date style.
     QLocale locale;

@@ -9,8 +9,8 @@ ActionDetector::ActionDetector()
 
 ActionDetector& ActionDetector::shared()
 {
-    static ActionDetector detector;
-    return detector;
+    static auto* const detector = new ActionDetector;
+    return *detector;
 }
 
 QFuture<DocumentInsight::ActionRequired>

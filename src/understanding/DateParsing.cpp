@@ -5,11 +5,11 @@
 #include "understanding/MonthNames.h"
 #include "understanding/ScannedText.h"
 
-#include <unicode/ucal.h>
 #include <unicode/udat.h>
 #include <unicode/uloc.h>
 
 #include <QByteArray>
+#include <QCalendar>
 #include <QDateTime>
 
 #include <algorithm>
@@ -77,6 +77,17 @@ private:
     qsizetype m_at = 0;
 };
 
+// The first day of the Gregorian calendar, as digits.
+constexpr int firstGregorianDay = 1582'10'15;
+
+/// The days that the reform left out count as Julian ones, too.
+QDate dayOf(int year, int month, int day)
+{
+    if (10000 * year + 100 * month + day >= firstGregorianDay)
+        return QDate(year, month, day);
+    return QCalendar(QCalendar::System::Julian).dateFromParts(year, month, day);
+}
+
 std::optional<QDate> parseDate(std::string_view format, QStringView text)
 {
     FieldReader reader(text);
@@ -103,7 +114,7 @@ std::optional<QDate> parseDate(std::string_view format, QStringView text)
         if (!read)
             return std::nullopt;
     }
-    const QDate date(year, month, day);
+    const QDate date = dayOf(year, month, day);
     return reader.atEnd() && date.isValid() ? std::optional(date) : std::nullopt;
 }
 
@@ -118,6 +129,14 @@ std::optional<QDate> parseDate(QStringView text)
     return std::nullopt;
 }
 
+std::optional<PointInTime> beginningOf(QDate day, const QTimeZone& zone)
+{
+    const QDateTime beginning = day.startOfDay(zone.isValid() ? zone : QTimeZone::utc());
+    // Where the zone skips the day, there is no beginning or it is the next day's.
+    return beginning.isValid() && beginning.date() == day ? std::optional(PointInTime::of(beginning))
+                                                          : std::nullopt;
+}
+
 /// ICU's formatter, for dates given at midnight in UTC; null where ICU has no data at all.
 class MediumDateStyle::Format
 {
@@ -129,11 +148,6 @@ public:
         uloc_forLanguageTag(locale.bcp47Name().toLatin1().constData(), name, sizeof name, nullptr, &error);
         error = U_ZERO_ERROR;
         m_format.adoptInstead(udat_open(UDAT_NONE, UDAT_MEDIUM, name, u"UTC", -1, nullptr, 0, &error));
-        const icu::LocalUCalendarPointer calendar(ucal_clone(udat_getCalendar(m_format.getAlias()), &error));
-        // ICU's Gregorian calendar turns Julian before 1582, QDate's does not. Other calendars refuse this.
-        ucal_setGregorianChange(calendar.getAlias(), U_DATE_MIN, &error);
-        if (U_SUCCESS(error))
-            udat_setCalendar(m_format.getAlias(), calendar.getAlias());
     }
 
     QString print(QDate date) const

@@ -94,8 +94,8 @@ class KeywordCounter
 public:
     static const KeywordCounter& shared()
     {
-        static const KeywordCounter counter;
-        return counter;
+        static const auto* const counter = new KeywordCounter;
+        return *counter;
     }
 
     /// In the order of the tables, one table after the other.

@@ -12,8 +12,8 @@ DocumentClassifier::DocumentClassifier()
 
 DocumentClassifier& DocumentClassifier::shared()
 {
-    static DocumentClassifier classifier;
-    return classifier;
+    static auto* const classifier = new DocumentClassifier;
+    return *classifier;
 }
 
 QFuture<DocumentInsight> DocumentClassifier::classifyDocument(const DocumentState& documentState)

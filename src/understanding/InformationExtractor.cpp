@@ -11,8 +11,8 @@ InformationExtractor::InformationExtractor()
 
 InformationExtractor& InformationExtractor::shared()
 {
-    static InformationExtractor extractor;
-    return extractor;
+    static auto* const extractor = new InformationExtractor;
+    return *extractor;
 }
 
 QFuture<std::vector<ExtractedItem>>

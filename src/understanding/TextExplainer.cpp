@@ -11,8 +11,8 @@ TextExplainer::TextExplainer()
 
 TextExplainer& TextExplainer::shared()
 {
-    static TextExplainer explainer;
-    return explainer;
+    static auto* const explainer = new TextExplainer;
+    return *explainer;
 }
 
 QFuture<ExplanationResult> TextExplainer::explainText(const QString& passage)

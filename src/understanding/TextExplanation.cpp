@@ -80,8 +80,8 @@ class TriggerWords
 public:
     static const TriggerWords& shared()
     {
-        static const TriggerWords words;
-        return words;
+        static const auto* const words = new TriggerWords;
+        return *words;
     }
 
     std::vector<QStringView> wordsIn(QStringView passage) const

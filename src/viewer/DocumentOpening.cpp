@@ -18,12 +18,16 @@ constexpr std::chrono::seconds longestOpening(8);
 // As much of the first page as fits a window of usual height; at another scale it does as a first guess.
 constexpr int firstPageRows = 2;
 
-std::optional<DocumentOpening> earlyOpening;
+std::optional<DocumentOpening>& earlyOpening()
+{
+    static auto* const opening = new std::optional<DocumentOpening>;
+    return *opening;
+}
 
 Actor& openingActor()
 {
-    static Actor actor(QStringLiteral("Document opening"));
-    return actor;
+    static auto* const actor = new Actor(QStringLiteral("Document opening"));
+    return *actor;
 }
 
 /// Puts the first page to work, so that it is there when the window is.
@@ -72,7 +76,7 @@ DocumentOpening beginNow(const QString& path, double scale, const std::optional<
 DocumentOpening
 DocumentOpening::begin(const QString& path, double scale, const std::optional<QString>& password)
 {
-    if (auto early = std::exchange(earlyOpening, std::nullopt)) {
+    if (auto early = std::exchange(earlyOpening(), std::nullopt)) {
         if (early->path == path && !password)
             return *early;
         early->cancellation.cancel();
@@ -82,7 +86,7 @@ DocumentOpening::begin(const QString& path, double scale, const std::optional<QS
 
 void DocumentOpening::beginEarly(const QString& path, double scale)
 {
-    earlyOpening = beginNow(path, scale, std::nullopt);
+    earlyOpening() = beginNow(path, scale, std::nullopt);
 }
 
 } // namespace quillo

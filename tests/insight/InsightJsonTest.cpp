@@ -21,7 +21,7 @@ DocumentInsight sampleInsight()
     due.type = ReasonType::dueDate;
     due.description = QStringLiteral("Due date found: Jan 15, 2024");
     due.pageNumber = 2;
-    due.dueDate = QDateTime(QDate(2024, 1, 15), QTime(0, 0), Qt::UTC);
+    due.dueDate = PointInTime{726969600.123456};
 
     ExtractedItem item;
     item.type = ExtractedItem::ItemType::amount;
@@ -115,7 +115,7 @@ TEST(InsightJsonTest, WritesOptionalMembersOnlyWhenPresent)
     DocumentInsight::ActionReason reason;
     reason.type = ReasonType::payment;
     EXPECT_EQ(toJson(reason).size(), 3U);
-    reason.dueDate = QDateTime(QDate(2001, 1, 2), QTime(0, 0), Qt::UTC);
+    reason.dueDate = PointInTime{86400};
     EXPECT_EQ(toJson(reason)["dueDate"].get<double>(), 86400.0);
     EXPECT_FALSE(toJson(ExtractedItem()).contains("boundingBox"));
 }

@@ -67,7 +67,7 @@ private:
 TEST_F(DefaultsFileTest, MakesItsFolderAndIsReadableByItsOwnerOnly)
 {
     const mode_t mask = ::umask(0);
-    const bool applied = DefaultsFile(path()).apply(change(key, value));
+    const bool applied = DefaultsFile(path()).apply(change(key, value)).has_value();
     ::umask(mask);
     ASSERT_TRUE(applied);
     EXPECT_EQ(DefaultsFile(path()).read(), m_expected);
@@ -160,7 +160,7 @@ TEST_F(DefaultsFileTest, LeavesTheOldFileInAReadOnlyFolder)
     ASSERT_TRUE(QFile::setPermissions(
         inside, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther));
     ASSERT_TRUE(!root || ::seteuid(65534) == 0);
-    const bool applied = DefaultsFile(path()).apply(change(key, value));
+    const bool applied = DefaultsFile(path()).apply(change(key, value)).has_value();
     ASSERT_TRUE(!root || ::seteuid(0) == 0);
     ASSERT_TRUE(QFile::setPermissions(inside, everybody));
     EXPECT_FALSE(applied);
@@ -177,7 +177,7 @@ TEST_F(DefaultsFileTest, LeavesTheOldFileOnAFullDisk)
     rlimit small = old;
     small.rlim_cur = 4096;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool applied = DefaultsFile(path()).apply({{key, IniValue(QByteArray(100'000, 'x'))}});
+    const bool applied = DefaultsFile(path()).apply({{key, IniValue(QByteArray(100'000, 'x'))}}).has_value();
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &old), 0);
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_FALSE(applied);

@@ -11,6 +11,9 @@
 #include <QScreen>
 #include <QTemporaryDir>
 
+#include <utility>
+#include <vector>
+
 namespace quillo {
 namespace {
 
@@ -74,6 +77,37 @@ TEST_F(SystemInfoTest, HasNoFreeMemoryWhenTheKernelDoesNotTell)
 TEST_F(SystemInfoTest, NamesTheOperatingSystem)
 {
     EXPECT_FALSE(SystemInfo::operatingSystemVersion().isEmpty());
+}
+
+/// The name of the locale for dates where the environment has these values.
+QString dateLocaleWith(const char* all, const char* time, const char* general)
+{
+    const std::pair<const char*, const char*> settings[] = {
+        {"LC_ALL", all}, {"LC_TIME", time}, {"LANG", general}};
+    std::vector<QByteArray> before;
+    for (const auto& [name, value] : settings) {
+        before.push_back(qgetenv(name));
+        qputenv(name, value);
+    }
+    QString name = SystemInfo::dateLocale().bcp47Name();
+    for (std::size_t i = 0; i < before.size(); ++i)
+        qputenv(settings[i].first, before[i]);
+    return name;
+}
+
+TEST_F(SystemInfoTest, TakesTheLocaleOfDatesFromTheFirstVariableThatIsSet)
+{
+    EXPECT_EQ(dateLocaleWith("fr_FR.UTF-8", "de_DE.UTF-8", "en_GB.UTF-8"), QStringLiteral("fr"));
+    EXPECT_EQ(dateLocaleWith("", "de_AT.UTF-8", "en_GB.UTF-8"), QStringLiteral("de-AT"));
+    EXPECT_EQ(dateLocaleWith("", "", "en_GB.UTF-8"), QStringLiteral("en-GB"));
+}
+
+TEST_F(SystemInfoTest, ReadsLocalesAsTheSystemNamesThem)
+{
+    EXPECT_EQ(dateLocaleWith("", "de_DE@euro", ""), QStringLiteral("de"));
+    EXPECT_EQ(dateLocaleWith("", "sr_RS.UTF-8@latin", ""), QStringLiteral("sr-Latn"));
+    EXPECT_EQ(dateLocaleWith("", "C.UTF-8", "de_DE.UTF-8"), QStringLiteral("en"));
+    EXPECT_EQ(dateLocaleWith("", "POSIX", ""), QStringLiteral("en"));
 }
 
 TEST_F(SystemInfoTest, MeasuresTheMainScreenInItsOwnPixels)

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "platform/UserDefaults.h"
 
+#include "support/ChildProcess.h"
 #include "support/Printing.h"
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
 #include <limits>
 #include <memory>
 
@@ -31,8 +34,17 @@ protected:
         file.write(text);
     }
 
+    QByteArray content() const
+    {
+        QFile file(path());
+        return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     /// What another process would find.
     std::optional<QString> stored(const QString& name) const { return UserDefaults(path()).string(name); }
+
+    /// Another process: `child PATH KEY VALUE` reads the key, says so and sets it when it gets SIGUSR1.
+    const QString child = QCoreApplication::applicationDirPath() + QStringLiteral("/defaults_child");
 
 private:
     QTemporaryDir m_folder;
@@ -165,6 +177,91 @@ TEST_F(UserDefaultsTest, LosesNoKeyThatAnotherProcessWrote)
     second.synchronize();
     EXPECT_EQ(stored(QStringLiteral("first")), QStringLiteral("1"));
     EXPECT_EQ(stored(QStringLiteral("second")), QStringLiteral("2"));
+}
+
+TEST_F(UserDefaultsTest, RemovesAKeyThatAnotherProcessWrote)
+{
+    UserDefaults first(path());
+    UserDefaults second(path());
+    ASSERT_EQ(first.string(key), std::nullopt);
+    second.setString(key, QStringLiteral("2"));
+    second.synchronize();
+    first.remove(key);
+    first.synchronize();
+    EXPECT_EQ(stored(key), std::nullopt);
+}
+
+TEST_F(UserDefaultsTest, SetsAValueInThePlaceOfAnOlderOneOfAnotherProcess)
+{
+    for (int round = 0; round < 10; ++round) {
+        store("[General]\nkey=old\n");
+        // Each has read the file before the other one changes it.
+        ChildProcess first(child, {path(), key, QStringLiteral("old")});
+        ASSERT_EQ(first.readLine(), "ready");
+        ChildProcess second(child, {path(), key, QStringLiteral("new")});
+        ASSERT_EQ(second.readLine(), "ready");
+        second.sendSignal(SIGUSR1);
+        ASSERT_EQ(second.waitForEnd(), 0);
+        ASSERT_EQ(stored(key), QStringLiteral("new"));
+        first.sendSignal(SIGUSR1);
+        ASSERT_EQ(first.waitForEnd(), 0);
+        ASSERT_EQ(stored(key), QStringLiteral("old")) << "round " << round;
+    }
+}
+
+TEST_F(UserDefaultsTest, LeavesAFileThatHoldsEverythingAlone)
+{
+    store("[General]\nkey=value\n");
+    const QByteArray before = content();
+    UserDefaults defaults(path());
+    defaults.setString(key, QStringLiteral("value"));
+    EXPECT_TRUE(defaults.synchronize());
+    EXPECT_EQ(content(), before) << "not even written in this class's own form";
+}
+
+TEST_F(UserDefaultsTest, AgreesOnTheTextThatAnotherProcessWrote)
+{
+    UserDefaults first(path());
+    UserDefaults second(path());
+    ASSERT_EQ(first.string(key), std::nullopt);
+    ASSERT_EQ(second.string(key), std::nullopt);
+    EXPECT_EQ(first.agreedString(key, QStringLiteral("1")).get(), QStringLiteral("1"));
+    EXPECT_EQ(second.agreedString(key, QStringLiteral("2")).get(), QStringLiteral("1"));
+    EXPECT_EQ(second.string(key), QStringLiteral("1"));
+    EXPECT_EQ(second.agreedString(key, QStringLiteral("3")).get(), QStringLiteral("1"));
+    EXPECT_EQ(stored(key), QStringLiteral("1"));
+}
+
+TEST_F(UserDefaultsTest, ProposesATextInThePlaceOfWhatIsNone)
+{
+    store("[General]\nkey=@ByteArray(1)\n");
+    UserDefaults defaults(path());
+    EXPECT_EQ(defaults.agreedString(key, QStringLiteral("1")).get(), QStringLiteral("1"));
+    EXPECT_EQ(stored(key), QStringLiteral("1"));
+}
+
+TEST_F(UserDefaultsTest, SetsAValueInThePlaceOfAProposedOne)
+{
+    UserDefaults defaults(path());
+    int calls = 0;
+    defaults.addObserver(&defaults, key, [&] { ++calls; });
+    defaults.agreedString(key, QStringLiteral("proposed"));
+    defaults.setString(key, QStringLiteral("set"));
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(defaults.string(key), QStringLiteral("set"));
+    defaults.synchronize();
+    EXPECT_EQ(stored(key), QStringLiteral("set"));
+}
+
+TEST_F(UserDefaultsTest, KeepsAProposalInMemoryThatCannotBeWritten)
+{
+    store("a file where a folder would have to be");
+    UserDefaults defaults(path() + QStringLiteral("/Quillo.conf"));
+    EXPECT_EQ(defaults.agreedString(key, QStringLiteral("1")).get(), QStringLiteral("1"));
+    EXPECT_EQ(defaults.string(key), QStringLiteral("1"));
+    EXPECT_FALSE(defaults.synchronize());
+    ASSERT_TRUE(QFile::remove(path()));
+    EXPECT_TRUE(defaults.synchronize()) << "it is tried again";
 }
 
 TEST_F(UserDefaultsTest, TouchesNoFileUntilAskedForAValue)

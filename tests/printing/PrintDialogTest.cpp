@@ -230,11 +230,12 @@ TEST_F(PrintDialogTest, SaysThatItLooksForPrinters)
     EXPECT_TRUE(visibleTexts(m_dialog).contains(QStringLiteral("There are no printers.")));
 }
 
-TEST_F(PrintDialogTest, SaysWhyPrintersCannotBeUsedAndPrintsToAFileAllTheSame)
+TEST_F(PrintDialogTest, SaysThatPrintersCannotBeUsedAndPrintsToAFileAllTheSame)
 {
     m_dialog.setPrinters({{}, QStringLiteral("the module is missing")});
-    EXPECT_TRUE(
-        visibleTexts(m_dialog).contains(QStringLiteral("Printers cannot be used: the module is missing")));
+    const QStringList texts = visibleTexts(m_dialog);
+    EXPECT_TRUE(texts.contains(QStringLiteral("Printers cannot be used.")));
+    EXPECT_TRUE(texts.filter(QStringLiteral("module")).isEmpty()) << "that is for the console";
     EXPECT_EQ(complaint(), QString());
 }
 

@@ -9,10 +9,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTranslator>
 
 #include <numeric>
 
@@ -23,6 +25,17 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr int patience = 30'000;
+
+/// A language in which everything is said in capitals.
+class Shouting : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* text, const char*, int) const override
+    {
+        return QString::fromUtf8(text).toUpper();
+    }
+};
 
 class PrintJobTest : public testing::Test
 {
@@ -64,6 +77,17 @@ protected:
     bool waitForEnd()
     {
         return QTest::qWaitFor([this] { return m_outcome || !m_reason.isEmpty(); }, patience);
+    }
+
+    /// Prints in vain and returns what appears on standard output meanwhile.
+    std::string consoleOfFailure()
+    {
+        testing::internal::CaptureStdout();
+        m_job->start();
+        const bool isOver = waitForEnd();
+        std::string console = testing::internal::GetCapturedStdout();
+        EXPECT_TRUE(isOver);
+        return console;
     }
 
     /// Puts a program in the place of the one that takes files for the printing system.
@@ -117,6 +141,35 @@ TEST_F(PrintJobTest, SaysWhyTheFileCannotBeWritten)
     EXPECT_EQ(m_reason, QStringLiteral("The folder of the file does not exist."));
 }
 
+TEST_F(PrintJobTest, SaysThatTheFileIsNoFile)
+{
+    m_settings.file = m_folder.path(QStringLiteral("out"));
+    makeJob(1);
+    m_job->start();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(m_reason, QStringLiteral("What has this name is no file that could be replaced."));
+}
+
+TEST_F(PrintJobTest, SaysThatTheFileIsTheDocumentItself)
+{
+    m_settings.file = m_folder.path(QStringLiteral("in.pdf"));
+    makeJob(1);
+    m_job->start();
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(m_reason, QStringLiteral("A document is not printed over its own file."));
+}
+
+TEST_F(PrintJobTest, GivesEveryReasonInTheUsersLanguage)
+{
+    Shouting translator;
+    QCoreApplication::installTranslator(&translator);
+    m_settings.file = m_folder.path(QStringLiteral("missing/sheets.pdf"));
+    makeJob(1);
+    const std::string console = consoleOfFailure();
+    EXPECT_EQ(m_reason, QStringLiteral("THE FOLDER OF THE FILE DOES NOT EXIST."));
+    EXPECT_EQ(console, "❌ Printing failed: the folder of the file does not exist\n");
+}
+
 TEST_F(PrintJobTest, LeavesNoFileWhenItIsCancelled)
 {
     makeJob(writeSlowlyPrinted(m_folder));
@@ -167,15 +220,15 @@ TEST_F(PrintJobTest, HandsThePrintingSystemAPDFFileWithItsOptions)
     EXPECT_THAT(filesIn("tmp"), IsEmpty()) << "nothing is left behind";
 }
 
-TEST_F(PrintJobTest, TellsWhatThePrintingSystemSays)
+TEST_F(PrintJobTest, KeepsWhatThePrintingSystemSaysForTheConsole)
 {
-    setSpooler("echo 'lp: Error - The printer or class does not exist.' >&2\nexit 1\n");
+    setSpooler("echo 'lp: Error - The printer or class' >&2\necho 'does not exist.' >&2\nexit 3\n");
     makeJob(1);
-    m_job->start();
-    ASSERT_TRUE(waitForEnd());
+    const std::string console = consoleOfFailure();
+    EXPECT_EQ(m_reason, QStringLiteral("The printing system did not accept the document."));
     EXPECT_EQ(
-        m_reason,
-        QStringLiteral("The printing system says: lp: Error - The printer or class does not exist."));
+        console,
+        "❌ Printing failed: lp ended with status 3. lp: Error - The printer or class does not exist.\n");
 }
 
 TEST_F(PrintJobTest, SaysThatThereIsNoPrintingSystem)

@@ -20,14 +20,14 @@ UserProfile fullProfile()
     profile.lastName = QStringLiteral("Stra\u00dfe \U0001F600");
     profile.email = QStringLiteral("a@b.example");
     profile.phone = QStringLiteral("+1 555");
-    profile.dateOfBirth = QDateTime(QDate(1970, 1, 1), QTime(0, 0), Qt::UTC);
+    profile.dateOfBirth = PointInTime{-978307200.0};
     profile.address = {
         QStringLiteral("1 Road"), QStringLiteral("Town"), QStringLiteral("State"), QStringLiteral("0123"),
         QStringLiteral("Land")};
     profile.organization = QStringLiteral("Org");
     profile.jobTitle = QStringLiteral("Job");
     profile.signatureImageData = QByteArray("\x89PNG\x00\xff", 6);
-    profile.signatureCreatedDate = QDateTime(QDate(2001, 1, 1), QTime(0, 0, 1, 500), Qt::UTC);
+    profile.signatureCreatedDate = PointInTime{1.5};
     profile.signatureFullName = QStringLiteral("Name");
     return profile;
 }
@@ -88,6 +88,14 @@ TEST(UserProfileJsonTest, ReadsBackWhatItWrote)
     UserProfile blank;
     blank.signatureImageData = QByteArray("");
     EXPECT_EQ(decodeUserProfile(encodeUserProfile(blank)), blank) << "no bytes are not the same as none";
+}
+
+TEST(UserProfileJsonTest, KeepsEveryDigitOfATime)
+{
+    Json value = encoded(fullProfile());
+    value["signatureCreatedDate"] = 727012800.1234567;
+    const UserProfile profile = decodeUserProfile(toJsonText(value));
+    EXPECT_EQ(encoded(profile)["signatureCreatedDate"].get<double>(), 727012800.1234567);
 }
 
 TEST(UserProfileJsonTest, RequiresEveryMemberThatIsNotOptional)

@@ -15,7 +15,7 @@
 namespace quillo {
 namespace {
 
-const QDateTime now(QDate(2024, 2, 29), QTime(12, 30), Qt::UTC);
+const PointInTime now{730902600.123456};
 
 class UserProfileServiceTest : public testing::Test
 {

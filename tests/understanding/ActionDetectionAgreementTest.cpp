@@ -95,7 +95,8 @@ std::string dueDatesDetected(const QString& text)
         if (reason.type != DocumentInsight::ActionReason::ReasonType::dueDate)
             continue;
         const QString phrase = reason.description.section(QLatin1Char('\''), 1, 1);
-        result += (reason.dueDate ? reason.dueDate->date().toString(Qt::ISODate) : phrase).toStdString();
+        result += (reason.dueDate ? reason.dueDate->toDateTime().date().toString(Qt::ISODate) : phrase)
+                      .toStdString();
         result += '\n';
     }
     return result;

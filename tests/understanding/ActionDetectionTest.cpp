@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace quillo {
 namespace {
 
@@ -55,7 +57,7 @@ TEST(ActionDetectionTest, GivesADueDateWithItsDate)
     EXPECT_EQ(reason.type, ReasonType::dueDate);
     EXPECT_EQ(reason.description, QStringLiteral("Due date found: Jan 15, 2024"));
     EXPECT_EQ(reason.pageNumber, 1);
-    EXPECT_EQ(reason.dueDate, QDateTime(QDate(2024, 1, 15), QTime(0, 0), newYork));
+    EXPECT_EQ(reason.dueDate, PointInTime::of(QDateTime(QDate(2024, 1, 15), QTime(0, 0), newYork)));
 }
 
 TEST(ActionDetectionTest, TakesPaymentDueForADueDateAndAmountDueForAPayment)
@@ -262,8 +264,43 @@ TEST(ActionDetectionTest, BeginsADayWhereItBeginsInTheZone)
     // The clocks of this zone went from 23:59:59 to 01:00 on that night.
     const auto actions = detectActions(
         pagesOf({QStringLiteral("deadline 10/15/2017")}), {QTimeZone("America/Sao_Paulo"), QLocale::c()});
-    EXPECT_EQ(actions.reasons.at(0).dueDate->toUTC(), QDateTime(QDate(2017, 10, 15), QTime(3, 0), Qt::UTC));
+    EXPECT_EQ(
+        actions.reasons.at(0).dueDate->toDateTime(), QDateTime(QDate(2017, 10, 15), QTime(3, 0), Qt::UTC));
     EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Due date found: Oct 15, 2017"));
+}
+
+TEST(ActionDetectionTest, HasNoDueDateOnADayThatTheZoneSkipped)
+{
+    const auto actions = detectActions(
+        pagesOf({QStringLiteral("deadline 12/30/2011")}), {QTimeZone("Pacific/Apia"), QLocale::c()});
+    EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Document mentions 'deadline'"));
+    EXPECT_EQ(actions.reasons.at(0).dueDate, std::nullopt);
+}
+
+TEST(ActionDetectionTest, TakesUtcForAZoneThatIsNotKnown)
+{
+    const auto actions = detectActions(
+        pagesOf({QStringLiteral("deadline 1/5/2024")}), {QTimeZone("Nowhere/Land"), QLocale::c()});
+    EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Due date found: Jan 5, 2024"));
+    ASSERT_TRUE(actions.reasons.at(0).dueDate);
+    EXPECT_EQ(
+        actions.reasons.at(0).dueDate->toDateTime(), QDateTime(QDate(2024, 1, 5), QTime(0, 0), Qt::UTC));
+}
+
+TEST(ActionDetectionTest, PrintsDatesInTheLocaleForTimesAndNotInThatOfTheMessages)
+{
+    const std::map<const char*, QByteArray> settings{
+        {"LC_ALL", ""}, {"LANG", "en_US.UTF-8"}, {"LC_MESSAGES", "it_IT.UTF-8"}, {"LC_TIME", "de_DE.UTF-8"}};
+    std::map<const char*, QByteArray> before;
+    for (const auto& [name, value] : settings) {
+        before[name] = qgetenv(name);
+        qputenv(name, value);
+    }
+    const QLocale locale = DateSettings::system().locale;
+    for (const auto& [name, value] : before)
+        qputenv(name, value);
+    const auto actions = detectActions(pagesOf({QStringLiteral("deadline 1/5/2024")}), {newYork, locale});
+    EXPECT_EQ(actions.reasons.at(0).description, QStringLiteral("Due date found: 05.01.2024"));
 }
 
 TEST(ActionDetectionTest, TakesAnythingForAText)

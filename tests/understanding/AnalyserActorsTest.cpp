@@ -65,7 +65,7 @@ TEST(AnalyserActorsTest, DetectsActionsInTheGivenZoneAndLocale)
     const auto actions = ActionDetector::shared().detectActions(state, settings).result();
     ASSERT_EQ(actions.reasons.size(), 1U);
     EXPECT_EQ(actions.reasons[0].description, QStringLiteral("Due date found: 2 Jan 2024"));
-    EXPECT_EQ(actions.reasons[0].dueDate->toUTC(), QDateTime(QDate(2024, 1, 1), QTime(15, 0), Qt::UTC));
+    EXPECT_EQ(actions.reasons[0].dueDate->toDateTime(), QDateTime(QDate(2024, 1, 1), QTime(15, 0), Qt::UTC));
 }
 
 TEST(AnalyserActorsTest, DetectsActionsWithTheUsersOwnSettings)
@@ -74,7 +74,9 @@ TEST(AnalyserActorsTest, DetectsActionsWithTheUsersOwnSettings)
     state.setPageTexts(pagesOf({QStringLiteral("deadline 1/2/2024")}));
     const auto actions = ActionDetector::shared().detectActions(state).result();
     ASSERT_EQ(actions.reasons.size(), 1U);
-    EXPECT_EQ(actions.reasons[0].dueDate, QDate(2024, 1, 2).startOfDay(QTimeZone::systemTimeZone()));
+    EXPECT_EQ(
+        actions.reasons[0].dueDate,
+        PointInTime::of(QDate(2024, 1, 2).startOfDay(QTimeZone::systemTimeZone())));
 }
 
 TEST(AnalyserActorsTest, ExplainsAPassage)

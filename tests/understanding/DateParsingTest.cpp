@@ -126,8 +126,9 @@ TEST(DateParsingTest, ReadsWhatIcusStrictFormatterReads)
         // ICU, when strict, wants both digits of a field of two.
         return QStringLiteral("%1").arg(random() % static_cast<unsigned>(most), 2, 10, QLatin1Char('0'));
     };
-    const QStringList years{
-        QStringLiteral("2024"), QStringLiteral("1900"), QStringLiteral("2000"), QStringLiteral("0000")};
+    const QStringList years{QStringLiteral("2024"), QStringLiteral("1900"), QStringLiteral("2000"),
+                            QStringLiteral("0000"), QStringLiteral("1500"), QStringLiteral("1582"),
+                            QStringLiteral("0004")};
     const QStringList names{
         QStringLiteral("January"),
         QStringLiteral("FEBRUARY"),
@@ -163,6 +164,76 @@ TEST(DateParsingTest, ReadsWhatIcusStrictFormatterReads)
         dates += date.has_value();
     }
     EXPECT_GT(dates, 200);
+}
+
+TEST(DateParsingTest, ReadsDaysOfLongAgoInTheJulianCalendar)
+{
+    EXPECT_EQ(parseDate(u"10/15/1582"), Date(QDate(1582, 10, 15)));
+    EXPECT_EQ(parseDate(u"10/04/1582"), Date(QDate(1582, 10, 14))) << "the day before";
+    EXPECT_EQ(parseDate(u"02/29/1500"), Date(QDate(1500, 3, 10)));
+    EXPECT_EQ(parseDate(u"02/29/1700"), std::nullopt);
+}
+
+std::optional<QDateTime> beginningIn(const char* zone, QDate day)
+{
+    const auto beginning = beginningOf(day, QTimeZone(zone));
+    return beginning ? std::optional(beginning->toDateTime()) : std::nullopt;
+}
+
+QDateTime utc(QDate day, int hour)
+{
+    return QDateTime(day, QTime(hour, 0), Qt::UTC);
+}
+
+TEST(DateParsingTest, BeginsADayAtItsFirstMoment)
+{
+    EXPECT_EQ(beginningIn("Asia/Tokyo", QDate(2024, 1, 15)), utc(QDate(2024, 1, 14), 15));
+    // There the clocks went from 23:59:59 to 01:00 on that night.
+    EXPECT_EQ(beginningIn("America/Sao_Paulo", QDate(2018, 11, 4)), utc(QDate(2018, 11, 4), 3));
+    EXPECT_EQ(beginningIn("Asia/Beirut", QDate(2018, 3, 25)), utc(QDate(2018, 3, 24), 22));
+}
+
+TEST(DateParsingTest, HasNoBeginningOfADayThatTheZoneSkipped)
+{
+    EXPECT_EQ(beginningIn("Pacific/Apia", QDate(2011, 12, 30)), std::nullopt);
+    EXPECT_EQ(beginningIn("Pacific/Apia", QDate(2011, 12, 29)), utc(QDate(2011, 12, 29), 10));
+    EXPECT_EQ(beginningIn("Pacific/Apia", QDate(2011, 12, 31)), utc(QDate(2011, 12, 30), 10));
+}
+
+TEST(DateParsingTest, TakesUtcForAZoneThatIsNotKnown)
+{
+    EXPECT_EQ(beginningIn("Nowhere/Land", QDate(2024, 1, 15)), utc(QDate(2024, 1, 15), 0));
+}
+
+/// The instant that ICU's calendar has for the day's midnight or, where there is none, for the next moment.
+double beginningByIcu(const char* zone, QDate day)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(
+        icu::TimeZone::createTimeZone(zone), icu::Locale("en_US_POSIX"), error));
+    calendar->setSkippedWallTimeOption(UCAL_WALLTIME_NEXT_VALID);
+    calendar->clear();
+    calendar->set(day.year(), day.month() - 1, day.day());
+    return calendar->getTime(error) / 1000 - 978307200;
+}
+
+TEST(DateParsingTest, BeginsDaysWhenIcuBeginsThem)
+{
+    // Zones whose clocks have been changed at midnight, both ways, for years and not recently.
+    int skippedDays = 0;
+    for (const char* zone :
+         {"America/Sao_Paulo", "America/Asuncion", "America/Havana", "Asia/Amman", "Pacific/Apia",
+          "Europe/Berlin"}) {
+        for (QDate day(1990, 1, 1); day < QDate(2019, 1, 1); day = day.addDays(1)) {
+            const auto beginning = beginningOf(day, QTimeZone(zone));
+            if (beginning)
+                ASSERT_EQ(beginning->seconds, beginningByIcu(zone, day))
+                    << zone << ' ' << day.toString(Qt::ISODate).toStdString();
+            else
+                ++skippedDays;
+        }
+    }
+    EXPECT_EQ(skippedDays, 1);
 }
 
 TEST(DateParsingTest, PrintsTheMediumStyleOfALocale)
