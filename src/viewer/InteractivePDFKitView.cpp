@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "viewer/InteractivePDFKitView.h"
 
+#include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "pdfview/PDFView.h"
 #include "viewer/DocumentOpener.h"
 
-#include <QFileInfo>
-
 #include <chrono>
+#include <system_error>
 #include <utility>
 
 namespace quillo {
@@ -21,8 +21,12 @@ constexpr std::chrono::seconds longestPainting(2);
 
 InteractivePDFKitView::FileStamp InteractivePDFKitView::FileStamp::of(const QUrl& url)
 {
-    const QFileInfo info(url.toLocalFile());
-    return {info.size(), info.lastModified()};
+    const std::filesystem::path path(pdf::bytesOfFileName(pdf::filePath(url)).toStdString());
+    FileStamp stamp;
+    std::error_code missing;
+    stamp.size = std::filesystem::file_size(path, missing);
+    stamp.modified = std::filesystem::last_write_time(path, missing);
+    return stamp;
 }
 
 InteractivePDFKitView::InteractivePDFKitView(pdf::PDFView* pdfView)
@@ -73,7 +77,7 @@ void InteractivePDFKitView::open(const std::optional<QUrl>& url)
     if (showsWantedDocument())
         resolveLater();
     else
-        m_opener->open(url->toLocalFile(), m_zoomLevel * m_pdfView->devicePixelRatioF());
+        m_opener->open(pdf::filePath(*url), m_zoomLevel * m_pdfView->devicePixelRatioF());
 }
 
 void InteractivePDFKitView::setZoomLevel(double zoomLevel)

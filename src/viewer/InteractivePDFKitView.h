@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include <QDateTime>
 #include <QObject>
 #include <QTimer>
 #include <QUrl>
 
+#include <cstdint>
+#include <filesystem>
 #include <optional>
 
 namespace pdf {
@@ -50,8 +51,8 @@ private:
     /// Tells one state of a file from another.
     struct FileStamp
     {
-        qint64 size = 0;
-        QDateTime modified;
+        std::uintmax_t size = 0;
+        std::filesystem::file_time_type modified;
 
         static FileStamp of(const QUrl& url);
         bool operator==(const FileStamp&) const = default;
