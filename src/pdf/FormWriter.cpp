@@ -228,6 +228,11 @@ std::optional<PDFError> FormWriter::write()
     }
     if (!error && needsAppearances)
         error = renewAll();
+    // After a failure, too: a part of it may have been done.
+    if (needsAppearances)
+        m_document.textChanges.noteAllPages();
+    for (const int page : m_pages)
+        m_document.textChanges.note(page);
     return error;
 }
 

@@ -14,9 +14,14 @@ constexpr std::size_t usualGlyphsPerPage = 4096;
 } // namespace
 
 GlyphCollector::GlyphCollector()
+    : GlyphCollector(limits::glyphsPerPage)
 {
     m_glyphs.reserve(usualGlyphsPerPage);
 }
+
+GlyphCollector::GlyphCollector(std::size_t mostGlyphs)
+    : m_mostGlyphs(mostGlyphs)
+{}
 
 bool GlyphCollector::begin(const GlyphRun& run) noexcept
 {
@@ -31,7 +36,7 @@ bool GlyphCollector::begin(const GlyphRun& run) noexcept
 
 bool GlyphCollector::add(const Glyph& glyph) noexcept
 {
-    if (m_glyphs.size() >= limits::glyphsPerPage)
+    if (m_glyphs.size() >= m_mostGlyphs)
         return false;
     try {
         m_glyphs.push_back(glyph);
