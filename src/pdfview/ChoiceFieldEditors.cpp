@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/ChoiceFieldEditors.h"
 
+#include "pdfview/LineFieldEditor.h"
+
 #include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
@@ -28,8 +30,7 @@ ComboFieldEditor::ComboFieldEditor(const PDFFormField& field, QWidget* parent)
     if (QLineEdit* edit = box()->lineEdit()) {
         // Otherwise the text would be completed to an option against the user's will.
         box()->setCompleter(nullptr);
-        if (field.maximumLength > 0)
-            edit->setMaxLength(field.maximumLength);
+        edit->setMaxLength(field.maximumLength > 0 ? field.maximumLength : unlimitedLength);
         watch(edit);
     }
     showField();

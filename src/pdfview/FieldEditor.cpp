@@ -93,6 +93,32 @@ void FieldEditor::setField(const PDFFormField& field)
         showField();
 }
 
+void FieldEditor::enterValue(const FormValue& value)
+{
+    const PDFFormField field = m_field;
+    if (const auto* text = std::get_if<QString>(&value)) {
+        m_field.text = *text;
+        m_field.selection.clear();
+    } else if (const auto* selection = std::get_if<std::vector<int>>(&value)) {
+        m_field.selection = *selection;
+    }
+    showField();
+    m_field = field;
+}
+
+void FieldEditor::refuse(const PDFFormField& field, const QString& reason)
+{
+    m_field = field;
+    m_isRefused = true;
+    m_widget->setAccessibleDescription(reason);
+}
+
+void FieldEditor::endRefusal()
+{
+    m_isRefused = false;
+    m_widget->setAccessibleDescription({});
+}
+
 void FieldEditor::place(const QRectF& rect, double scale)
 {
     m_scale = scale;

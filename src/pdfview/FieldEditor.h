@@ -43,6 +43,13 @@ public:
     /// Gives up what the user has entered.
     void revert() { showField(); }
 
+    /// Shows a value that the field does not have, as if the user had entered it.
+    void enterValue(const FormValue& value);
+    /// The document has not taken what was entered: its field is as given. What was entered stays.
+    void refuse(const PDFFormField& field, const QString& reason);
+    bool isRefused() const { return m_isRefused; }
+    void endRefusal();
+
     /// Puts the control over the field. `rect` is in coordinates of its parent, `scale` in their units per
     /// page point.
     void place(const QRectF& rect, double scale);
@@ -100,6 +107,7 @@ private:
     PDFFormField m_field;
     QWidget* const m_widget;
     double m_scale = 1.0;
+    bool m_isRefused = false;
 };
 
 } // namespace pdf
