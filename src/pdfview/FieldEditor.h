@@ -5,6 +5,7 @@
 #include "pdf/PDFFormField.h"
 
 #include <QObject>
+#include <QPixmap>
 #include <QPointF>
 #include <QRectF>
 
@@ -53,6 +54,8 @@ public:
     /// Puts the control over the field. `rect` is in coordinates of its parent, `scale` in their units per
     /// page point.
     void place(const QRectF& rect, double scale);
+    /// The control as it looks, as far as it stands over the field.
+    QPixmap picture() const;
 
     /// The user came here with the keyboard.
     virtual void enter();
@@ -92,6 +95,8 @@ protected:
     /// Colours and font of the field; the font size comes with the scale.
     void dress();
     double scale() const { return m_scale; }
+    /// Where the field is, in coordinates of the parent.
+    const QRectF& rect() const { return m_rect; }
     /// The size of the text in pixels; of a text that fits itself to the field, for the text given.
     int fontPixels(const QString& text) const;
     /// From the field's edge to its text, in units of the parent.
@@ -106,6 +111,7 @@ private:
 
     PDFFormField m_field;
     QWidget* const m_widget;
+    QRectF m_rect;
     double m_scale = 1.0;
     bool m_isRefused = false;
 };

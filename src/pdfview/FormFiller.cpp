@@ -361,7 +361,7 @@ bool FormFiller::close(bool keepsValue)
         m_view.setFocus(Qt::OtherFocusReason);
     // Taken after the keyboard has gone, so that it shows no cursor.
     if (isChanged && !isButton(closed->field()))
-        m_afterimages.push_back({closed->field(), control->grab()});
+        m_afterimages.push_back({closed->field(), closed->picture()});
     m_view.viewport()->update();
     // Whoever closes one editor may be about to open another.
     if (!m_refusals.empty())

@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "pdfview/ChoiceFieldEditors.h"
+#include "pdfview/ComboFieldEditor.h"
 
 #include "pdfview/LineFieldEditor.h"
 
 #include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
-#include <QListWidget>
-
-#include <utility>
 
 namespace pdf {
-namespace {
-
-// Of a list whose size fits itself to nothing: what the page shows of it.
-constexpr double listSize = 12.0;
-
-} // namespace
 
 ComboFieldEditor::ComboFieldEditor(const PDFFormField& field, QWidget* parent)
     : FieldEditor(field, new QComboBox(parent))
@@ -90,69 +81,6 @@ bool ComboFieldEditor::eventFilter(QObject* watched, QEvent* event)
 QComboBox* ComboFieldEditor::box() const
 {
     return static_cast<QComboBox*>(widget());
-}
-
-ListFieldEditor::ListFieldEditor(const PDFFormField& field, QWidget* parent)
-    : FieldEditor(field, new QListWidget(parent))
-{
-    dress();
-    list()->setFrameShape(QFrame::NoFrame);
-    list()->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list()->setSelectionMode(
-        field.isMultipleChoice ? QAbstractItemView::ExtendedSelection : QAbstractItemView::SingleSelection);
-    for (const FormFieldOption& option : field.options)
-        list()->addItem(option.displayText);
-    showField();
-}
-
-FormValue ListFieldEditor::value() const
-{
-    std::vector<int> selection;
-    for (int row = 0; row < list()->count(); ++row) {
-        if (list()->item(row)->isSelected())
-            selection.push_back(row);
-    }
-    return selection;
-}
-
-void ListFieldEditor::enter()
-{
-    if (!list()->currentItem() && list()->count() > 0)
-        list()->setCurrentRow(0, QItemSelectionModel::NoUpdate);
-}
-
-void ListFieldEditor::enterAt(QPoint place, Qt::KeyboardModifiers modifiers)
-{
-    const QModelIndex index = list()->indexAt(list()->viewport()->mapFrom(list(), place));
-    if (!index.isValid())
-        return;
-    const bool isAdded = field().isMultipleChoice && modifiers & Qt::ControlModifier;
-    list()->selectionModel()->setCurrentIndex(
-        index, isAdded ? QItemSelectionModel::Toggle : QItemSelectionModel::ClearAndSelect);
-}
-
-void ListFieldEditor::scaleTo(double scale)
-{
-    QFont font = list()->font();
-    const double points = field().fontSize > 0.0 ? field().fontSize : listSize;
-    font.setPixelSize(std::max(1, static_cast<int>(points * scale)));
-    list()->setFont(font);
-}
-
-void ListFieldEditor::showField()
-{
-    for (int row = 0; row < list()->count(); ++row) {
-        const auto& selection = field().selection;
-        const bool isSelected = std::binary_search(selection.begin(), selection.end(), row);
-        list()->item(row)->setSelected(isSelected);
-    }
-    if (!field().selection.empty())
-        list()->scrollToItem(list()->item(field().selection.front()));
-}
-
-QListWidget* ListFieldEditor::list() const
-{
-    return static_cast<QListWidget*>(widget());
 }
 
 } // namespace pdf
