@@ -20,9 +20,6 @@ namespace {
 
 using fields::FieldRecord;
 
-// Behind selected options.
-constexpr double highlightColour[] = {0.6, 0.757, 0.855};
-
 /// The symbols that mark buttons: their codes, and in parts of the font size how wide they are.
 struct Symbol
 {
@@ -53,10 +50,10 @@ QSizeF sizeOf(const PDFFormField& field)
 FieldLayout layOut(const FieldRecord& record, QSizeF size, const FieldFont& font)
 {
     const PDFFormField& field = record.field;
-    const double inset = borderInset(field, record.frame.borderParts());
+    const double inset = borderInset(field);
     if (field.kind != FormFieldKind::listBox)
         return layOutText(field, size, inset, font);
-    return layOutOptions(field, size, inset, topOption(field, size, inset, record.topOption), font);
+    return layOutOptions(field, size, inset, topOption(field, size, inset), font);
 }
 
 void addEncodedText(
@@ -141,7 +138,7 @@ FieldAppearance composeValue(const FieldRecord& record, const EncodedFont& font)
         result.textPage =
             systemFont.draw(layout.lines, layout.fontSize, record.style.colour, roundedUp(result.size));
     }
-    content.add({highlightColour[0], highlightColour[1], highlightColour[2]}, "rg");
+    content.add({selectedOptionRed, selectedOptionGreen, selectedOptionBlue}, "rg");
     for (const QRectF& highlight : layout.highlights)
         content.addRectangle(highlight, "f");
     if (isEncoded)
@@ -174,7 +171,7 @@ FieldAppearance composeButton(const FieldRecord& record, bool isOn)
     else
         drawFrame(content, record.frame, result.size, 1);
     if (isOn) {
-        const double inset = borderInset(field, record.frame.borderParts());
+        const double inset = borderInset(field);
         const double room = std::min(result.size.width(), result.size.height()) - 2.0 * inset;
         const double size = std::max(1.0, room * (isRound ? discPart : markPart) / symbolHeight);
         result.font = symbolFontName;

@@ -121,11 +121,6 @@ FieldLayout layOutParagraphs(const PDFFormField& field, QSizeF size, double padd
     return layout;
 }
 
-double optionSize(const PDFFormField& field)
-{
-    return field.fontSize > 0.0 ? field.fontSize : paragraphSize;
-}
-
 QRectF insideOf(QSizeF size, double inset)
 {
     return QRectF(QPointF(), size).adjusted(inset, inset, -inset, -inset).normalized();
@@ -133,10 +128,10 @@ QRectF insideOf(QSizeF size, double inset)
 
 } // namespace
 
-double borderInset(const PDFFormField& field, int borderParts)
+double borderInset(const PDFFormField& field)
 {
     // Text keeps away from the edge even of a field without a border.
-    return std::max(1.0, field.borderWidth * borderParts);
+    return std::max(1.0, field.borderWidth * field.borderParts);
 }
 
 FieldLayout layOutText(const PDFFormField& field, QSizeF size, double inset, const FieldFont& font)
@@ -169,7 +164,7 @@ layOutOptions(const PDFFormField& field, QSizeF size, double inset, int top, con
     layout.clip = insideOf(size, inset);
     layout.fontSize = optionSize(field);
     const double padding = 2.0 * inset;
-    const double height = FieldFont::lineHeight * layout.fontSize;
+    const double height = optionHeight(field);
     double y = size.height() - inset;
     for (auto i = static_cast<std::size_t>(top); i < field.options.size() && y > inset; ++i) {
         const QString text = printable(field.options[i].displayText);
@@ -183,12 +178,22 @@ layOutOptions(const PDFFormField& field, QSizeF size, double inset, int top, con
     return layout;
 }
 
-int topOption(const PDFFormField& field, QSizeF size, double inset, int top)
+double optionSize(const PDFFormField& field)
+{
+    return field.fontSize > 0.0 ? field.fontSize : paragraphSize;
+}
+
+double optionHeight(const PDFFormField& field)
+{
+    return FieldFont::lineHeight * optionSize(field);
+}
+
+int topOption(const PDFFormField& field, QSizeF size, double inset)
 {
     const int count = static_cast<int>(field.options.size());
-    const double height = FieldFont::lineHeight * optionSize(field);
+    const double height = optionHeight(field);
     const int visible = std::max(1, static_cast<int>((size.height() - 2.0 * inset) / height));
-    const int highest = std::clamp(top, 0, std::max(0, count - 1));
+    const int highest = std::clamp(field.topOption, 0, std::max(0, count - 1));
     if (field.selection.empty())
         return highest;
     const bool isAnyInSight = std::any_of(field.selection.begin(), field.selection.end(), [&](int i) {

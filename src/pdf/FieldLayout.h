@@ -13,6 +13,11 @@
 
 namespace pdf {
 
+// The colour behind the selected options of a list box.
+constexpr double selectedOptionRed = 0.6;
+constexpr double selectedOptionGreen = 0.757;
+constexpr double selectedOptionBlue = 0.855;
+
 /// What a field shows and where. Points; the origin is the lower left corner of the field as it is read, that
 /// is before it is turned.
 struct FieldLayout
@@ -25,8 +30,8 @@ struct FieldLayout
     QRectF clip;
 };
 
-/// The room that the border takes at each edge. `borderParts` is 2 for a border that looks raised or sunken.
-double borderInset(const PDFFormField& field, int borderParts);
+/// The room that the border takes at each edge.
+double borderInset(const PDFFormField& field);
 
 /// Lays out the value of a text field or a combo box.
 FieldLayout layOutText(const PDFFormField& field, QSizeF size, double inset, const FieldFont& font);
@@ -35,9 +40,13 @@ FieldLayout layOutText(const PDFFormField& field, QSizeF size, double inset, con
 FieldLayout
 layOutOptions(const PDFFormField& field, QSizeF size, double inset, int top, const FieldFont& font);
 
-/// The index from which on a list box of this size shows its options, so that something selected is in sight;
-/// `top` where that is so anyway.
-int topOption(const PDFFormField& field, QSizeF size, double inset, int top);
+/// The index from which on a list box of this size shows its options: the document's own, unless nothing
+/// selected is in sight then.
+int topOption(const PDFFormField& field, QSizeF size, double inset);
+
+/// The font size of a list box, and from one of its options to the next.
+double optionSize(const PDFFormField& field);
+double optionHeight(const PDFFormField& field);
 
 /// Breaks the text into lines no wider than the width, which is in parts of the font size: at line feeds,
 /// else between words, else between characters.

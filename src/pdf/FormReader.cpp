@@ -30,6 +30,7 @@ void readLook(fz_context* ctx, pdf_obj* widget, FieldRecord& record)
     readFrame(ctx, widget, record.frame);
     field.backgroundColour = colourOf(record.frame.backgroundColour);
     field.borderWidth = record.frame.hasBorder() ? record.frame.width : 0.0;
+    field.borderParts = record.frame.borderParts();
 }
 
 void readTextStyle(fz_context* ctx, pdf_document* document, pdf_obj* widget, FieldRecord& record)
@@ -190,7 +191,7 @@ bool readWidget(fz_context* ctx, DocumentHandle& document, pdf_obj* widget, Fiel
     }
     if (field.kind != FormFieldKind::text)
         readOptions(ctx, widget, field);
-    record.topOption = pdf_to_int(ctx, inherited(ctx, widget, PDF_NAME(TI)));
+    record.field.topOption = pdf_to_int(ctx, inherited(ctx, widget, PDF_NAME(TI)));
     readValues(ctx, widget, record);
     return true;
 }

@@ -29,8 +29,6 @@ struct FieldRecord
     QByteArray mark;
     /// Radio buttons with the same state go on together.
     bool isInUnison = false;
-    /// The first option that a list box shows.
-    int topOption = 0;
     /// The entries of the value, or its one.
     QStringList values;
     /// The indices of the selected options, where the document gives them.

@@ -211,6 +211,8 @@ std::optional<PDFError> FormWriter::write()
     if (error)
         return error;
     change.commit();
+    for (const int page : m_pages)
+        m_document.textChanges.note(page);
     for (const FieldGroup::Member& member : m_group.members())
         m_document.annotations.rereadValue(m_scope, member.widget.get());
     renewAll();
@@ -264,6 +266,9 @@ void FormWriter::renewAll()
         if (!error)
             change.commit();
     }
+    // After a failure, too: a part of it has been done.
+    if (!all.members().empty())
+        m_document.textChanges.noteAllPages();
     if (error || !isWhole)
         return;
     static_cast<void>(engine::attempt(m_scope, [&](fz_context* ctx) {

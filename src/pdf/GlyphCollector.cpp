@@ -27,9 +27,14 @@ struct GlyphCollector::Stretch
 };
 
 GlyphCollector::GlyphCollector()
+    : GlyphCollector(limits::glyphsPerPage)
 {
     m_glyphs.reserve(usualGlyphsPerPage);
 }
+
+GlyphCollector::GlyphCollector(std::size_t mostGlyphs)
+    : m_mostGlyphs(mostGlyphs)
+{}
 
 void GlyphCollector::begin(const GlyphRun& run)
 {
@@ -39,7 +44,7 @@ void GlyphCollector::begin(const GlyphRun& run)
 
 bool GlyphCollector::add(const Glyph& glyph)
 {
-    if (m_glyphs.size() >= limits::glyphsPerPage)
+    if (m_glyphs.size() >= m_mostGlyphs)
         return false;
     m_glyphs.push_back(glyph);
     return true;
@@ -81,7 +86,7 @@ bool GlyphCollector::replaceFrom(std::size_t first, const char* text)
     const auto length = static_cast<std::size_t>(characters.size());
     const std::size_t glyphCount = m_glyphs.size() - first;
     const std::vector<Stretch> stretches = stretchesFrom(first);
-    if (first + length > limits::glyphsPerPage)
+    if (first + length > m_mostGlyphs)
         return false;
     m_glyphs.resize(first);
     while (!m_runs.empty() && m_runs.back().firstGlyph >= first)

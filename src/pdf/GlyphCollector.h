@@ -43,6 +43,8 @@ class GlyphCollector
 {
 public:
     GlyphCollector();
+    /// For a text of which nothing is known but that it has at most so many glyphs.
+    explicit GlyphCollector(std::size_t mostGlyphs);
 
     /// The glyphs that follow belong to this run, whose first glyph is set here.
     void begin(const GlyphRun& run);
@@ -63,6 +65,23 @@ private:
 
     std::vector<GlyphRun> m_runs;
     std::vector<Glyph> m_glyphs;
+    std::size_t m_mostGlyphs;
+};
+
+/// The text that an annotation or a form field shows.
+struct AnnotationGlyphs
+{
+    /// Where it is, in display space.
+    fz_rect area = {};
+    GlyphCollector glyphs;
+};
+
+/// What is seen of a page's text.
+struct PageGlyphs
+{
+    GlyphCollector content;
+    /// Those that show any, in the order in which they are drawn.
+    std::vector<AnnotationGlyphs> annotations;
 };
 
 /// The rectangle around a part of a glyph, from one fraction of its advance to another.

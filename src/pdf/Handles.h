@@ -7,6 +7,7 @@
 #include "pdf/PDFPage.h"
 #include "pdf/PageTree.h"
 #include "pdf/SourceFile.h"
+#include "pdf/TextChanges.h"
 
 #include <QRectF>
 #include <QTransform>
@@ -70,6 +71,7 @@ public:
     std::atomic<std::uint64_t> changes = 0;
     /// The changes that the document's own file has.
     std::atomic<std::uint64_t> savedChanges = 0;
+    TextChanges textChanges;
     /// The pages that somebody holds, by index.
     std::unordered_map<int, std::weak_ptr<PDFPage>> livePages;
 };
@@ -119,6 +121,8 @@ public:
     /// The count of the document's changes when that was made.
     std::uint64_t pageChanges = 0;
     std::shared_ptr<const TextLayer> text;
+    /// The count of what may have changed the page's text when that was made.
+    std::uint64_t textChanges = 0;
 
 private:
     mutable std::mutex m_geometryMutex;

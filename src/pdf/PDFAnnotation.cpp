@@ -97,17 +97,19 @@ template <typename Value>
 void PDFAnnotation::set(Value Properties::*member, const Value& value, bool Changes::*change)
 {
     std::shared_ptr<PDFDocument> document;
+    int page = -1;
     {
         const std::lock_guard lock(m_mutex);
         if (m_properties.*member == value)
             return;
         m_properties.*member = value;
         m_changes.*change = true;
-        if (m_pageIndex >= 0)
+        page = m_pageIndex;
+        if (page >= 0)
             document = m_document.lock();
     }
     if (document)
-        document->noteChange(shared_from_this());
+        document->noteChange(shared_from_this(), page);
 }
 
 std::shared_ptr<PDFPage> PDFAnnotation::page() const

@@ -197,10 +197,16 @@ bool PDFDocument::isXFAOnly() const
     return isTrue(*m_handle, fields::isXFAOnly);
 }
 
-void PDFDocument::noteChange(const std::shared_ptr<PDFAnnotation>& annotation)
+void PDFDocument::noteChange(const std::shared_ptr<PDFAnnotation>& annotation, int page)
 {
     m_handle->annotations.enqueue(annotation);
     m_handle->noteChange();
+    m_handle->textChanges.note(page);
+}
+
+std::uint64_t PDFDocument::textChanges(int page) const
+{
+    return m_handle->textChanges.count(page);
 }
 
 Result<std::monostate>

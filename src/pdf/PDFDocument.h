@@ -11,6 +11,7 @@
 #include <QString>
 #include <QUrl>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -157,8 +158,10 @@ public:
 private:
     explicit PDFDocument(std::unique_ptr<DocumentHandle> handle);
 
-    /// Has the document look at the annotation before it is drawn or written the next time.
-    void noteChange(const std::shared_ptr<PDFAnnotation>& annotation);
+    /// Has the document look at the annotation of the page before it is drawn, read or written the next time.
+    void noteChange(const std::shared_ptr<PDFAnnotation>& annotation, int page);
+    /// Counts what may have changed the page's text since the document was opened. Never waits for it.
+    std::uint64_t textChanges(int page) const;
 
     friend class PDFAnnotation;
     friend class PDFPage;

@@ -80,6 +80,8 @@ struct PDFFormField
     std::optional<QColor> backgroundColour;
     /// In points; 0 without a border.
     double borderWidth = 0.0;
+    /// How many times its width the border takes at an edge: 2 where it looks raised or sunken.
+    int borderParts = 1;
 
     // Combo and list boxes.
     std::vector<FormFieldOption> options;
@@ -87,6 +89,8 @@ struct PDFFormField
     bool isEditable = false;
     /// A list box takes several options at once.
     bool isMultipleChoice = false;
+    /// The index of the option that the document wants at the top of a list box.
+    int topOption = 0;
 
     // Check boxes and radio buttons.
     /// The name of the state in which this widget is on.

@@ -113,17 +113,22 @@ std::optional<QString> PDFPage::string(const Cancellation& cancellation)
 
 std::shared_ptr<const TextLayer> PDFPage::text(const Cancellation& cancellation)
 {
-    const std::lock_guard lock(m_handle->document.mutex);
-    if (!m_handle->text) {
-        CookieScope scope(cancellation);
-        GlyphCollector collector;
-        const auto error = engine::attempt(scope, [&](fz_context* ctx) {
-            collectGlyphs(ctx, m_handle->document.document, *m_handle, collector, scope.cookie());
-        });
-        if (error || !m_handle->document.source->isReadable())
-            return nullptr;
-        m_handle->text = std::make_shared<const TextLayer>(collector, pageToDisplay().inverted());
-    }
+    DocumentHandle& document = m_handle->document;
+    const std::lock_guard lock(document.mutex);
+    const std::uint64_t changes = document.textChanges.count(index());
+    if (m_handle->text && m_handle->textChanges == changes)
+        return m_handle->text;
+    CookieScope scope(cancellation);
+    // What could not be written waits for the next attempt; the rest is read all the same.
+    static_cast<void>(document.annotations.flush(scope));
+    PageGlyphs glyphs;
+    const auto error = engine::attempt(scope, [&](fz_context* ctx) {
+        collectGlyphs(ctx, document.document, *m_handle, glyphs, scope.cookie());
+    });
+    if (error || !document.source->isReadable())
+        return nullptr;
+    m_handle->text = std::make_shared<const TextLayer>(glyphs, pageToDisplay().inverted());
+    m_handle->textChanges = changes;
     return m_handle->text;
 }
 

@@ -61,12 +61,13 @@ public:
     QTransform pageToDisplay() const;
 
     /// The page's text in reading order with a line feed after each line, ligatures as letters; absent when
-    /// the page has no text layer or cannot be interpreted. Computed once and kept while the page lives. Text
-    /// of annotations and form fields is not part of it.
+    /// the page has no text layer or cannot be interpreted. Text of annotations and form fields that are
+    /// shown on the screen is part of it, as they are now. Kept while the page lives, until one of those
+    /// changes.
     std::optional<QString> string(const Cancellation& cancellation = {});
 
     /// The page's text with the place of every character; without characters when the page has no text layer,
-    /// null when it cannot be interpreted. Computed once and kept while the page lives.
+    /// null when it cannot be interpreted. Kept like string().
     std::shared_ptr<const TextLayer> text(const Cancellation& cancellation = {});
 
     /// The index in string() of the character at a point of page space, or -1.

@@ -27,7 +27,7 @@ void PDFPage::addAnnotation(const std::shared_ptr<PDFAnnotation>& annotation)
         annotation->m_document = m_document;
         annotation->m_pageIndex = index();
     }
-    m_document->noteChange(annotation);
+    m_document->noteChange(annotation, index());
 }
 
 void PDFPage::removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation)
@@ -38,7 +38,7 @@ void PDFPage::removeAnnotation(const std::shared_ptr<PDFAnnotation>& annotation)
             return;
         annotation->m_pageIndex = -1;
     }
-    m_document->noteChange(annotation);
+    m_document->noteChange(annotation, index());
 }
 
 } // namespace pdf

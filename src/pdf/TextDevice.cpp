@@ -273,26 +273,23 @@ void keepTextOperators(pdf_processor* processor)
     processor->op_END = all.op_END;
 }
 
-} // namespace
-
-void collectGlyphs(
-    fz_context* ctx, pdf_document* document, const PageHandle& page, GlyphCollector& collector,
-    fz_cookie* cookie)
+/// Has `process(processor)` interpreted for its text, up to where it is damaged. May throw as MuPDF does.
+template <typename Process>
+void collect(
+    fz_context* ctx, const PageGeometry& geometry, GlyphCollector& collector, fz_cookie* cookie,
+    Process process)
 {
-    const PageGeometry geometry = page.geometry();
     fz_device* device = newTextDevice(ctx, collector, geometry.displayRect);
     pdf_processor* processor = nullptr;
     ActualText actualText;
     fz_var(processor);
     fz_try(ctx)
     {
-        pdf_obj* resources = pdf_dict_get_inheritable(ctx, page.object, PDF_NAME(Resources));
-        pdf_obj* contents = pdf_dict_get(ctx, page.object, PDF_NAME(Contents));
         processor =
             pdf_new_run_processor(ctx, device, geometry.pageToDisplay, "View", nullptr, nullptr, cookie);
         actualText.attach(processor, collector);
         keepTextOperators(processor);
-        pdf_process_contents(ctx, processor, document, resources, contents, cookie);
+        process(processor);
         pdf_close_processor(ctx, processor);
         fz_close_device(ctx, device);
     }
@@ -301,6 +298,88 @@ void collectGlyphs(
         actualText.detach(ctx);
         pdf_drop_processor(ctx, processor);
         fz_drop_device(ctx, device);
+    }
+    fz_catch(ctx)
+    {
+        engine::rethrowUnlessDamage(ctx);
+    }
+}
+
+/// Whether something on the page is drawn over its content. Loading a page for its annotations takes longer
+/// than reading its text, and most pages have none but links, which show nothing.
+bool hasVisibleAnnotations(fz_context* ctx, pdf_obj* page)
+{
+    constexpr int invisible = PDF_ANNOT_IS_INVISIBLE | PDF_ANNOT_IS_HIDDEN | PDF_ANNOT_IS_NO_VIEW;
+    pdf_obj* annotations = pdf_dict_get(ctx, page, PDF_NAME(Annots));
+    const int count = std::min(pdf_array_len(ctx, annotations), limits::annotationsPerPage);
+    for (int i = 0; i < count; ++i) {
+        pdf_obj* annotation = pdf_array_get(ctx, annotations, i);
+        pdf_obj* type = pdf_dict_get(ctx, annotation, PDF_NAME(Subtype));
+        if (pdf_is_name(ctx, type) && !pdf_name_eq(ctx, type, PDF_NAME(Link)) &&
+            !pdf_name_eq(ctx, type, PDF_NAME(Popup)) &&
+            !(pdf_dict_get_int(ctx, annotation, PDF_NAME(F)) & invisible))
+            return true;
+    }
+    return false;
+}
+
+void collectAnnotation(
+    fz_context* ctx, const PageGeometry& geometry, pdf_annot* annotation, PageGlyphs& glyphs,
+    std::size_t& mostGlyphs, fz_cookie* cookie)
+{
+    std::vector<AnnotationGlyphs>& annotations = glyphs.annotations;
+    engine::translated(ctx, [&] { annotations.push_back({{}, GlyphCollector(mostGlyphs)}); });
+    // What stands in for a missing appearance is found as long as this is in force.
+    pdf_annot_push_local_xref(ctx, annotation);
+    fz_try(ctx)
+    {
+        collect(ctx, geometry, annotations.back().glyphs, cookie, [&](pdf_processor* processor) {
+            pdf_process_annot(ctx, processor, annotation, cookie);
+        });
+        annotations.back().area = fz_transform_rect(
+            pdf_dict_get_rect(ctx, pdf_annot_obj(ctx, annotation), PDF_NAME(Rect)), geometry.pageToDisplay);
+    }
+    fz_always(ctx)
+    {
+        pdf_annot_pop_local_xref(ctx, annotation);
+    }
+    fz_catch(ctx)
+    {
+        fz_rethrow(ctx);
+    }
+    const std::size_t count = annotations.back().glyphs.glyphs().size();
+    mostGlyphs -= count;
+    if (count == 0)
+        annotations.pop_back();
+}
+
+void collectAnnotations(fz_context* ctx, PageHandle& handle, PageGlyphs& glyphs, fz_cookie* cookie)
+{
+    pdf_page* page = handle.loadContents(ctx);
+    const PageGeometry geometry = handle.geometry();
+    std::size_t mostGlyphs = limits::glyphsPerPage - glyphs.content.glyphs().size();
+    for (pdf_annot* next = pdf_first_annot(ctx, page); next && !cookie->abort;
+         next = pdf_next_annot(ctx, next))
+        collectAnnotation(ctx, geometry, next, glyphs, mostGlyphs, cookie);
+    for (pdf_annot* next = pdf_first_widget(ctx, page); next && !cookie->abort;
+         next = pdf_next_widget(ctx, next))
+        collectAnnotation(ctx, geometry, next, glyphs, mostGlyphs, cookie);
+}
+
+} // namespace
+
+void collectGlyphs(
+    fz_context* ctx, pdf_document* document, PageHandle& page, PageGlyphs& glyphs, fz_cookie* cookie)
+{
+    collect(ctx, page.geometry(), glyphs.content, cookie, [&](pdf_processor* processor) {
+        pdf_obj* resources = pdf_dict_get_inheritable(ctx, page.object, PDF_NAME(Resources));
+        pdf_obj* contents = pdf_dict_get(ctx, page.object, PDF_NAME(Contents));
+        pdf_process_contents(ctx, processor, document, resources, contents, cookie);
+    });
+    fz_try(ctx)
+    {
+        if (hasVisibleAnnotations(ctx, page.object))
+            collectAnnotations(ctx, page, glyphs, cookie);
     }
     fz_catch(ctx)
     {

@@ -52,7 +52,7 @@ void TextIndex::read()
         const std::lock_guard lock(m_mutex);
         m_reader = std::move(reader);
     }
-    const auto first = source();
+    const auto first = source(0);
     const int pageCount = first ? first->pageCount() : 0;
     {
         const std::lock_guard lock(m_mutex);
@@ -60,33 +60,48 @@ void TextIndex::read()
     }
     m_changed.notify_all();
     for (int page = 0; page < pageCount; ++page) {
-        const auto document = source();
-        if (!document || !readPage(page, *document))
+        if (!readPage(page))
             return;
     }
     const std::lock_guard lock(m_mutex);
     const bool isAllKept =
-        std::all_of(m_pages.begin(), m_pages.end(), [](const auto& text) { return text.has_value(); });
+        std::all_of(m_pages.begin(), m_pages.end(), [](const Page& page) { return page.text.has_value(); });
     if (isAllKept)
         m_reader.reset();
 }
 
-std::shared_ptr<PDFDocument> TextIndex::source() const
+std::uint64_t TextIndex::changes(int page) const
 {
-    const std::lock_guard lock(m_mutex);
-    return m_reader ? m_reader : m_document.lock();
+    const auto document = m_document.lock();
+    return document ? document->textChanges(page) : 0;
 }
 
-bool TextIndex::readPage(int page, PDFDocument& document)
+std::shared_ptr<PDFDocument> TextIndex::source(std::uint64_t changes) const
 {
-    CompactText text = readText(document, page, m_stopping);
+    const std::lock_guard lock(m_mutex);
+    return m_reader && changes == 0 ? m_reader : m_document.lock();
+}
+
+void TextIndex::keep(Page& place, CompactText text, std::uint64_t changes)
+{
+    m_bytes -= place.text ? place.text->bytes() : 0;
+    const bool isKept = m_bytes + text.bytes() <= limits::textIndex;
+    m_bytes += isKept ? text.bytes() : 0;
+    place = {isKept ? std::optional(std::move(text)) : std::nullopt, changes};
+}
+
+bool TextIndex::readPage(int page)
+{
+    const std::uint64_t changes = this->changes(page);
+    const auto document = source(changes);
+    if (!document)
+        return false;
+    CompactText text = readText(*document, page, m_stopping);
     if (m_stopping.isCancelled())
         return false;
     {
         const std::lock_guard lock(m_mutex);
-        const bool isKept = m_bytes + text.bytes() <= limits::textIndex;
-        m_bytes += isKept ? text.bytes() : 0;
-        m_pages.push_back(isKept ? std::optional(std::move(text)) : std::nullopt);
+        keep(m_pages.emplace_back(), std::move(text), changes);
     }
     m_changed.notify_all();
     return true;
@@ -122,18 +137,27 @@ std::optional<CompactText> TextIndex::text(int page, const Cancellation& cancell
     std::unique_lock lock(m_mutex);
     if (!waitUntil(lock, cancellation, [&] { return index < m_pages.size(); }))
         return std::nullopt;
-    if (m_pages[index])
-        return m_pages[index];
     lock.unlock();
-    const auto document = source();
-    return document ? readText(*document, page, cancellation) : CompactText();
+    const std::uint64_t changes = this->changes(page);
+    lock.lock();
+    if (m_pages[index].text && m_pages[index].changes == changes)
+        return m_pages[index].text;
+    lock.unlock();
+    const auto document = source(changes);
+    CompactText text = document ? readText(*document, page, cancellation) : CompactText();
+    if (isOver(cancellation))
+        return std::nullopt;
+    lock.lock();
+    keep(m_pages[index], text, changes);
+    return text;
 }
 
 bool TextIndex::isAtHand(int page) const
 {
+    const std::uint64_t changes = this->changes(page);
     const std::lock_guard lock(m_mutex);
     const auto index = static_cast<std::size_t>(page);
-    return index < m_pages.size() && m_pages[index];
+    return index < m_pages.size() && m_pages[index].text && m_pages[index].changes == changes;
 }
 
 bool TextIndex::isComplete() const

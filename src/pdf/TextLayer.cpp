@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/TextLayer.h"
 
+#include "pdf/AnnotationLines.h"
 #include "pdf/ReadingOrder.h"
 #include "pdf/TextColumns.h"
 #include "pdf/TextLines.h"
@@ -88,11 +89,14 @@ double distanceOutside(double value, double from, double to)
 
 } // namespace
 
-TextLayer::TextLayer(const GlyphCollector& glyphs, const QTransform& displayToPage)
+TextLayer::TextLayer(const PageGlyphs& glyphs, const QTransform& displayToPage)
 {
-    TextLines text = textLines(glyphs);
+    TextLines text = textLines(glyphs.content);
     joinRows(text);
     splitColumns(text);
+    std::vector<std::size_t> order = readingOrder(text.lines);
+    if (!glyphs.annotations.empty())
+        addAnnotations(text, order, glyphs.annotations);
     const fz_matrix matrix = {float(displayToPage.m11()), float(displayToPage.m12()),
                               float(displayToPage.m21()), float(displayToPage.m22()),
                               float(displayToPage.dx()),  float(displayToPage.dy())};
@@ -101,7 +105,7 @@ TextLayer::TextLayer(const GlyphCollector& glyphs, const QTransform& displayToPa
     m_boxes.reserve(atLeast);
     m_spans.reserve(atLeast);
     m_lines.reserve(text.lines.size());
-    for (const std::size_t index : readingOrder(text.lines)) {
+    for (const std::size_t index : order) {
         const TextLine& line = text.lines[index];
         const LineMapping mapping(displayToPage, line.direction);
         Line& place = m_lines.emplace_back();

@@ -12,7 +12,7 @@
 
 namespace pdf {
 
-class GlyphCollector;
+struct PageGlyphs;
 
 /// A page's text with the place of every character. Immutable, so any number of threads may read it. Indices
 /// count UTF-16 code units of string(); points, boxes and outlines are in page space.
@@ -20,7 +20,7 @@ class TextLayer
 {
 public:
     /// `displayToPage` maps what the glyphs are measured in to page space.
-    TextLayer(const GlyphCollector& glyphs, const QTransform& displayToPage);
+    TextLayer(const PageGlyphs& glyphs, const QTransform& displayToPage);
 
     /// In reading order, each line with a line feed after it.
     const QString& string() const { return m_string; }

@@ -4,9 +4,10 @@
 #include "pdf/FieldLayout.h"
 #include "pdf/SystemText.h"
 #include "pdfview/ButtonFieldEditor.h"
-#include "pdfview/ChoiceFieldEditors.h"
 #include "pdfview/CombFieldEditor.h"
+#include "pdfview/ComboFieldEditor.h"
 #include "pdfview/LineFieldEditor.h"
+#include "pdfview/ListFieldEditor.h"
 #include "pdfview/ParagraphFieldEditor.h"
 
 #include <QApplication>
@@ -93,11 +94,43 @@ void FieldEditor::setField(const PDFFormField& field)
         showField();
 }
 
+void FieldEditor::enterValue(const FormValue& value)
+{
+    const PDFFormField field = m_field;
+    if (const auto* text = std::get_if<QString>(&value)) {
+        m_field.text = *text;
+        m_field.selection.clear();
+    } else if (const auto* selection = std::get_if<std::vector<int>>(&value)) {
+        m_field.selection = *selection;
+    }
+    showField();
+    m_field = field;
+}
+
+void FieldEditor::refuse(const PDFFormField& field, const QString& reason)
+{
+    m_field = field;
+    m_isRefused = true;
+    m_widget->setAccessibleDescription(reason);
+}
+
+void FieldEditor::endRefusal()
+{
+    m_isRefused = false;
+    m_widget->setAccessibleDescription({});
+}
+
 void FieldEditor::place(const QRectF& rect, double scale)
 {
+    m_rect = rect;
     m_scale = scale;
     m_widget->setGeometry(rect.toAlignedRect());
     scaleTo(scale);
+}
+
+QPixmap FieldEditor::picture() const
+{
+    return m_widget->grab(QRect(QPoint(), m_rect.toAlignedRect().size()));
 }
 
 void FieldEditor::enter()
@@ -137,7 +170,7 @@ int FieldEditor::fontPixels(const QString& text) const
         field.text = text;
         const QSizeF size = m_field.bounds.size();
         points = layOutText(
-                     field, m_field.rotation % 180 == 0 ? size : size.transposed(), borderInset(field, 1),
+                     field, m_field.rotation % 180 == 0 ? size : size.transposed(), borderInset(field),
                      SystemFont(m_field.fontName))
                      .fontSize;
     }
@@ -146,7 +179,7 @@ int FieldEditor::fontPixels(const QString& text) const
 
 int FieldEditor::padding() const
 {
-    return static_cast<int>(std::lround(2.0 * borderInset(m_field, 1) * m_scale));
+    return static_cast<int>(std::lround(2.0 * borderInset(m_field) * m_scale));
 }
 
 bool FieldEditor::eventFilter(QObject*, QEvent* event)

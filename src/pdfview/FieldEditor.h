@@ -5,6 +5,7 @@
 #include "pdf/PDFFormField.h"
 
 #include <QObject>
+#include <QPixmap>
 #include <QPointF>
 #include <QRectF>
 
@@ -43,9 +44,18 @@ public:
     /// Gives up what the user has entered.
     void revert() { showField(); }
 
+    /// Shows a value that the field does not have, as if the user had entered it.
+    void enterValue(const FormValue& value);
+    /// The document has not taken what was entered: its field is as given. What was entered stays.
+    void refuse(const PDFFormField& field, const QString& reason);
+    bool isRefused() const { return m_isRefused; }
+    void endRefusal();
+
     /// Puts the control over the field. `rect` is in coordinates of its parent, `scale` in their units per
     /// page point.
     void place(const QRectF& rect, double scale);
+    /// The control as it looks, as far as it stands over the field.
+    QPixmap picture() const;
 
     /// The user came here with the keyboard.
     virtual void enter();
@@ -85,6 +95,8 @@ protected:
     /// Colours and font of the field; the font size comes with the scale.
     void dress();
     double scale() const { return m_scale; }
+    /// Where the field is, in coordinates of the parent.
+    const QRectF& rect() const { return m_rect; }
     /// The size of the text in pixels; of a text that fits itself to the field, for the text given.
     int fontPixels(const QString& text) const;
     /// From the field's edge to its text, in units of the parent.
@@ -99,7 +111,9 @@ private:
 
     PDFFormField m_field;
     QWidget* const m_widget;
+    QRectF m_rect;
     double m_scale = 1.0;
+    bool m_isRefused = false;
 };
 
 } // namespace pdf

@@ -4,7 +4,6 @@
 #include "pdfview/FocusRing.h"
 #include "pdfview/FormNotice.h"
 #include "pdfview/PDFView.h"
-#include "pdfview/TabStops.h"
 #include "pdfview/TextMarker.h"
 
 #include <QApplication>
@@ -26,6 +25,9 @@ constexpr double revealMargin = 32.0;
 
 // How strongly the fields are tinted.
 constexpr double tint = 0.1;
+
+// The page is light whatever the desktop's colours are.
+constexpr QColor refusalColour(212, 48, 43);
 
 bool isButton(const PDFFormField& field)
 {
@@ -66,6 +68,7 @@ void FormFiller::startDocument()
     m_outdated.clear();
     m_afterimages.clear();
     m_pressed.reset();
+    m_refusals.clear();
     m_valuesUnderWay = 0;
     m_hasFields = false;
     delete m_notice.data();
@@ -77,9 +80,7 @@ void FormFiller::takeKind(FormJobs::FormKind kind)
     m_hasFields = kind.hasFields;
     if (kind.isXFAOnly) {
         // Made only now, because its first text loads a font, and hardly any document needs it.
-        m_notice = new FormNotice(m_view.viewport());
-        m_notice->place();
-        m_notice->show();
+        showNotice(tr("This form is made for software that understands XFA, and cannot be filled in here."));
     }
     requestPages();
 }
@@ -96,6 +97,7 @@ void FormFiller::takePage(const FormPage& page)
         return;
     m_pages[page.page] = page;
     m_view.viewport()->update();
+    openRefused();
     if (!m_editor || m_editor->field().widget.page != page.page)
         return;
     for (const PDFFormField& field : page.fields) {
@@ -108,10 +110,9 @@ void FormFiller::takePage(const FormPage& page)
 
 void FormFiller::follow()
 {
-    if (m_notice)
-        m_notice->place();
     requestPages();
     placeEditor();
+    placeNotice();
 }
 
 void FormFiller::requestPages()
@@ -121,7 +122,11 @@ void FormFiller::requestPages()
     const auto visible = m_view.pageViewport().visiblePages();
     const int first = std::max(0, visible.first - pagesAround);
     const int last = std::min(m_view.pageCount() - 1, visible.last + pagesAround);
-    std::erase_if(m_pages, [&](const auto& entry) { return entry.first < first || entry.first > last; });
+    // The editor needs its page to know where to be, on the screen or off it.
+    const int edited = m_editor ? m_editor->field().widget.page : first;
+    std::erase_if(m_pages, [&](const auto& entry) {
+        return (entry.first < first || entry.first > last) && entry.first != edited;
+    });
     for (int page = first; page <= last; ++page) {
         if (!m_pages.contains(page) && !m_requested.contains(page))
             request(page);
@@ -173,7 +178,8 @@ void FormFiller::paint(QPainter& painter)
     for (const Afterimage& image : m_afterimages)
         painter.drawPixmap(editorRect(image.field).toAlignedRect(), image.picture);
     if (m_editor && m_editor->widget()->isVisible())
-        paintFocusRing(painter, m_editor->widget()->geometry(), highlight);
+        paintFocusRing(
+            painter, m_editor->widget()->geometry(), m_editor->isRefused() ? refusalColour : highlight);
     painter.restore();
 }
 
@@ -229,13 +235,24 @@ QRectF FormFiller::editorRect(const PDFFormField& field) const
     return upright;
 }
 
-void FormFiller::open(const PDFFormField& field)
+bool FormFiller::open(const PDFFormField& field)
 {
-    close(true);
+    if (!close(true)) {
+        // The value that was refused comes first.
+        reveal(m_editor->field());
+        m_editor->widget()->setFocus(Qt::OtherFocusReason);
+        return false;
+    }
     m_editor = FieldEditor::make(field, m_view.viewport());
     if (!m_editor)
-        return;
+        return false;
     connectEditor();
+    showEditor();
+    return true;
+}
+
+void FormFiller::showEditor()
+{
     placeEditor();
     m_editor->widget()->show();
     m_editor->widget()->setFocus(Qt::OtherFocusReason);
@@ -244,20 +261,20 @@ void FormFiller::open(const PDFFormField& field)
 
 void FormFiller::openAt(const PDFFormField& field, QPoint viewPoint, Qt::KeyboardModifiers modifiers)
 {
-    open(field);
-    if (m_editor)
+    if (open(field))
         m_editor->enterAt(m_editor->widget()->mapFrom(m_view.viewport(), viewPoint), modifiers);
 }
 
-void FormFiller::openFromKeyboard(const PDFFormField& field)
+bool FormFiller::openFromKeyboard(const PDFFormField& field)
 {
     // Scrolling may forget the page that the field belongs to.
     // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): see above
     const PDFFormField copy = field;
+    if (!open(copy))
+        return false;
     reveal(copy);
-    open(copy);
-    if (m_editor)
-        m_editor->enter();
+    m_editor->enter();
+    return true;
 }
 
 void FormFiller::connectEditor()
@@ -287,20 +304,27 @@ void FormFiller::reveal(const PDFFormField& field)
     m_view.reveal(rectOf(field), revealMargin);
 }
 
-void FormFiller::commit()
+bool FormFiller::commit()
 {
-    if (!m_editor || !m_editor->isChanged())
-        return;
-    const FormWidget widget = m_editor->field().widget;
-    PDFFormField field = m_editor->field();
+    if (!m_editor)
+        return true;
+    const PDFFormField before = m_editor->field();
     const FormValue value = m_editor->value();
-    if (takeValue(field, value))
-        return;
-    m_editor->setField(field);
-    spread(field);
-    ++m_valuesUnderWay;
-    m_jobs->setValue(
-        widget, value, [this, widget](const FormJobs::Outcome& outcome) { takeOutcome(widget, outcome); });
+    if (m_editor->isChanged()) {
+        PDFFormField field = before;
+        if (const auto error = takeValue(field, value)) {
+            refuse(before, value, *error);
+            return !m_editor->isChanged();
+        }
+        m_editor->setField(field);
+        spread(field);
+        ++m_valuesUnderWay;
+        m_jobs->setValue(before.widget, value, [this, before, value](const FormJobs::Outcome& outcome) {
+            takeOutcome(before, value, outcome);
+        });
+    }
+    endRefusal();
+    return true;
 }
 
 void FormFiller::spread(const PDFFormField& field)
@@ -319,7 +343,8 @@ void FormFiller::spread(const PDFFormField& field)
     }
 }
 
-void FormFiller::takeOutcome(const FormWidget& widget, const FormJobs::Outcome& outcome)
+void FormFiller::takeOutcome(
+    const PDFFormField& before, const FormValue& value, const FormJobs::Outcome& outcome)
 {
     --m_valuesUnderWay;
     if (outcome && !outcome->empty()) {
@@ -329,19 +354,21 @@ void FormFiller::takeOutcome(const FormWidget& widget, const FormJobs::Outcome& 
         return;
     }
     // Nothing has become of it; the page shows how it is.
+    std::erase_if(
+        m_afterimages, [&](const Afterimage& image) { return image.field.widget == before.widget; });
+    refresh(before.widget.page);
     if (!outcome)
-        QApplication::beep();
-    std::erase_if(m_afterimages, [&](const Afterimage& image) { return image.field.widget == widget; });
-    refresh(widget.page);
+        refuse(before, value, outcome.error());
 }
 
-void FormFiller::close(bool keepsValue)
+bool FormFiller::close(bool keepsValue)
 {
     if (!m_editor)
-        return;
+        return true;
     const bool isChanged = keepsValue && m_editor->isChanged();
-    if (isChanged)
-        commit();
+    if (isChanged && !commit())
+        return false;
+    endRefusal();
     const std::unique_ptr<FieldEditor> closed = std::move(m_editor);
     closed->disconnect(this);
     QWidget* control = closed->widget();
@@ -350,79 +377,12 @@ void FormFiller::close(bool keepsValue)
         m_view.setFocus(Qt::OtherFocusReason);
     // Taken after the keyboard has gone, so that it shows no cursor.
     if (isChanged && !isButton(closed->field()))
-        m_afterimages.push_back({closed->field(), control->grab()});
+        m_afterimages.push_back({closed->field(), closed->picture()});
     m_view.viewport()->update();
-}
-
-void FormFiller::walk(bool forward)
-{
-    const FormWidget from = m_editor->field().widget;
-    const FormPage* page = knownPage(from.page);
-    if (!page)
-        return close(true);
-    const PDFFormField* next = tabStopAfter(page->fields, from, forward);
-    if (next)
-        return openFromKeyboard(*next);
-    close(true);
-    walkFromPage(from.page + (forward ? 1 : -1), forward);
-}
-
-bool FormFiller::walkIn(bool forward)
-{
-    if (!m_hasFields || m_view.currentPageIndex() < 0)
-        return false;
-    walkFromPage(m_view.currentPageIndex(), forward);
+    // Whoever closes one editor may be about to open another.
+    if (!m_refusals.empty())
+        QMetaObject::invokeMethod(this, &FormFiller::openRefused, Qt::QueuedConnection);
     return true;
-}
-
-void FormFiller::walkFromPage(int page, bool forward)
-{
-    const int step = forward ? 1 : -1;
-    // Pages that are at hand need no waiting.
-    const FormPage* known = knownPage(page);
-    while (known && !known->isFillable()) {
-        page += step;
-        known = knownPage(page);
-    }
-    if (known)
-        return takeFoundPage(*known, forward);
-    m_jobs->findPage(
-        page, step, [this, forward](const std::optional<FormPage>& found) { takeFoundPage(found, forward); });
-}
-
-void FormFiller::takeFoundPage(const std::optional<FormPage>& page, bool forward)
-{
-    if (!page) {
-        Q_EMIT walkedOut(forward);
-        return;
-    }
-    // A copy, since the page may be the one in the map that is about to change.
-    const std::vector<PDFFormField> fields = page->fields;
-    m_pages[page->page] = *page;
-    if (const PDFFormField* stop = firstTabStop(fields, forward))
-        openFromKeyboard(*stop);
-}
-
-void FormFiller::step(bool forward)
-{
-    const PDFFormField from = m_editor->field();
-    const FormPage* page = knownPage(from.widget.page);
-    if (!page)
-        return;
-    std::vector<const PDFFormField*> group;
-    for (const PDFFormField& field : page->fields) {
-        if (field.name == from.name && field.kind == from.kind && field.isFillable())
-            group.push_back(&field);
-    }
-    const auto place = std::find_if(
-        group.begin(), group.end(), [&](const PDFFormField* field) { return field->widget == from.widget; });
-    if (place == group.end() || group.size() < 2)
-        return;
-    const std::size_t count = group.size();
-    const auto index = static_cast<std::size_t>(place - group.begin());
-    openFromKeyboard(*group[(index + (forward ? 1 : count - 1)) % count]);
-    if (m_editor && !m_editor->field().isOn)
-        m_editor->click();
 }
 
 bool FormFiller::mousePress(const QMouseEvent& event)

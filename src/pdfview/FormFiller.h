@@ -27,6 +27,10 @@ class PDFView;
 /// opens an editor over the one that is clicked or walked to, and hands what was entered to the document.
 /// Only one editor is open at a time.
 ///
+/// A value that the field or the document does not take stays in its editor, marked, with a notice that says
+/// why, until the user changes it or gives it up; no other editor opens before. One that is refused after its
+/// editor was closed comes back in a new one.
+///
 /// Main thread. The document is asked on another one, so fields of a page answer a moment after it is shown.
 class FormFiller : public QObject
 {
@@ -49,7 +53,8 @@ public:
     /// one up to it. False when the document has no form.
     bool walkIn(bool forward);
 
-    /// Hands what is being edited to the document and calls the function when the document has it.
+    /// Hands what is being edited to the document and calls the function when the document has it, or has
+    /// refused it.
     void finish(std::function<void()> then);
 
     /// The field that is being edited, or null.
@@ -68,7 +73,13 @@ private:
         PDFFormField field;
         QPixmap picture;
     };
-    enum class Entrance { click, keyboard };
+    /// A value that was not taken and waits for an editor.
+    struct Refusal
+    {
+        PDFFormField field;
+        FormValue value;
+        QString reason;
+    };
 
     void startDocument();
     void takeKind(FormJobs::FormKind kind);
@@ -85,17 +96,27 @@ private:
     QRectF editorRect(const PDFFormField& field) const;
     const FormPage* knownPage(int page) const;
 
-    void open(const PDFFormField& field);
+    /// False where the editor that is open has to stay, or there is none for the field.
+    bool open(const PDFFormField& field);
     void openAt(const PDFFormField& field, QPoint viewPoint, Qt::KeyboardModifiers modifiers);
-    void openFromKeyboard(const PDFFormField& field);
+    bool openFromKeyboard(const PDFFormField& field);
+    void showEditor();
     void connectEditor();
     void placeEditor();
     void reveal(const PDFFormField& field);
-    void commit();
+    /// False where the value was refused.
+    bool commit();
     /// The field and others of its name answer with its value at once; the document follows.
     void spread(const PDFFormField& field);
-    void takeOutcome(const FormWidget& widget, const FormJobs::Outcome& outcome);
-    void close(bool keepsValue);
+    void takeOutcome(const PDFFormField& before, const FormValue& value, const FormJobs::Outcome& outcome);
+    void refuse(const PDFFormField& before, const FormValue& value, const PDFError& error);
+    /// Opens an editor with the value that was refused first, unless one is open.
+    void openRefused();
+    void endRefusal();
+    void showNotice(const QString& text);
+    void placeNotice();
+    /// False where the value was refused and the editor stays.
+    bool close(bool keepsValue);
     void walk(bool forward);
     void walkFromPage(int page, bool forward);
     void takeFoundPage(const std::optional<FormPage>& page, bool forward);
@@ -110,6 +131,7 @@ private:
     std::set<int> m_outdated;
     std::unique_ptr<FieldEditor> m_editor;
     std::vector<Afterimage> m_afterimages;
+    std::vector<Refusal> m_refusals;
     /// Values that the document does not have yet.
     int m_valuesUnderWay = 0;
     /// The button that the mouse was pressed on.

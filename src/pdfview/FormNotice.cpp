@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/FormNotice.h"
 
+#include <QAccessible>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -15,8 +16,9 @@ constexpr int widest = 560;
 
 } // namespace
 
-FormNotice::FormNotice(QWidget* parent)
+FormNotice::FormNotice(const QString& text, QWidget* parent)
     : QFrame(parent)
+    , m_text(new QLabel)
 {
     setFrameShape(QFrame::StyledPanel);
     setAutoFillBackground(true);
@@ -24,23 +26,42 @@ FormNotice::FormNotice(QWidget* parent)
 
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(12, 8, 8, 8);
-    auto* text =
-        new QLabel(tr("This form is made for software that understands XFA, and cannot be filled in here."));
-    text->setWordWrap(true);
-    row->addWidget(text, 1);
+    m_text->setWordWrap(true);
+    m_text->setTextFormat(Qt::PlainText);
+    row->addWidget(m_text, 1);
     auto* close = new QPushButton(tr("Close"));
     close->setAccessibleName(tr("Close"));
     close->setFlat(true);
     row->addWidget(close, 0, Qt::AlignTop);
     connect(close, &QPushButton::clicked, this, &QObject::deleteLater);
-    setAccessibleName(text->text());
+    setText(text);
 }
 
-void FormNotice::place()
+QString FormNotice::text() const
+{
+    return m_text->text();
+}
+
+void FormNotice::setText(const QString& text)
+{
+    m_text->setText(text);
+    setAccessibleName(text);
+}
+
+void FormNotice::place(const QRect& leftFree)
 {
     const int width = std::min(widest, parentWidget()->width() - 2 * edge);
     resize(width, std::max(heightForWidth(width), sizeHint().height()));
     move((parentWidget()->width() - width) / 2, edge);
+    if (geometry().intersects(leftFree))
+        move(x(), parentWidget()->height() - height() - edge);
+}
+
+void FormNotice::showEvent(QShowEvent* event)
+{
+    QFrame::showEvent(event);
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }
 
 } // namespace pdf

@@ -3,19 +3,31 @@
 
 #include <QFrame>
 
+class QLabel;
+
 namespace pdf {
 
-/// A line above the pages that says why a form cannot be filled in, until the user closes it and
-/// with that deletes it.
+/// A line above the pages that says why a form cannot be filled in or a value was not taken, until the user
+/// closes it and with that deletes it. Screen readers are told when it appears.
 class FormNotice : public QFrame
 {
     Q_OBJECT
 
 public:
-    explicit FormNotice(QWidget* parent);
+    FormNotice(const QString& text, QWidget* parent);
 
-    /// Puts it at the upper edge of its parent.
-    void place();
+    QString text() const;
+    void setText(const QString& text);
+
+    /// Puts it at the upper edge of its parent, or at the lower one where it would cover the rectangle, which
+    /// is in coordinates of the parent.
+    void place(const QRect& leftFree = {});
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QLabel* m_text;
 };
 
 } // namespace pdf

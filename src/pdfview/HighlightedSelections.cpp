@@ -6,6 +6,7 @@
 #include "pdfview/PageReader.h"
 #include "pdfview/TextMarker.h"
 #include "pdfview/TextSelector.h"
+#include "pdfview/TextShift.h"
 
 #include <QPainter>
 
@@ -41,7 +42,23 @@ HighlightedSelections::HighlightedSelections(
     , m_selector(selector)
 {
     connect(&view, &PDFView::documentChanged, this, [this] { set({}); });
+    connect(&reader, &PageReader::textChanged, this, &HighlightedSelections::follow);
     connect(&reader, &PageReader::pageRead, this, [this](int page) { m_shapes.erase(page); });
+}
+
+void HighlightedSelections::follow(int page, const TextShift& shift)
+{
+    const auto first = std::lower_bound(m_matches.begin(), m_matches.end(), TextMatch{page, 0, 0});
+    const auto last = std::lower_bound(first, m_matches.end(), TextMatch{page + 1, 0, 0});
+    const auto isReplaced = [&](TextMatch& match) {
+        const auto start = shift.start(match.location);
+        const auto end = shift.end(qsizetype{match.location} + match.length);
+        if (!start || !end || *end - *start != match.length)
+            return true;
+        match.location = static_cast<qint32>(*start);
+        return false;
+    };
+    m_matches.erase(std::remove_if(first, last, isReplaced), last);
 }
 
 void HighlightedSelections::set(std::vector<TextMatch> matches)

@@ -18,6 +18,7 @@ namespace pdf {
 class PDFView;
 class PageReader;
 class TextSelector;
+class TextShift;
 
 /// Marks texts of the shown document, such as all matches of a search. There may be any number of them: only
 /// those on visible pages are ever looked at, and their shapes are kept from one frame to the next. Main
@@ -47,6 +48,8 @@ private:
         std::vector<QPolygonF> polygons;
     };
 
+    /// Marks what was marked where it is now; what was replaced is marked no more.
+    void follow(int page, const TextShift& shift);
     /// Null while the page is not read.
     const Shapes* shapesOn(int page);
 

@@ -31,8 +31,7 @@ LineFieldEditor::LineFieldEditor(const PDFFormField& field, QWidget* parent)
     edit()->setAlignment(alignmentOf(field) | Qt::AlignVCenter);
     if (field.isPassword)
         edit()->setEchoMode(QLineEdit::Password);
-    if (field.maximumLength > 0)
-        edit()->setMaxLength(field.maximumLength);
+    edit()->setMaxLength(field.maximumLength > 0 ? field.maximumLength : unlimitedLength);
     edit()->setText(field.text);
     connect(edit(), &QLineEdit::textChanged, this, &LineFieldEditor::fitFont);
 }

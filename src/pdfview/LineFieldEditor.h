@@ -3,6 +3,8 @@
 
 #include "pdfview/FieldEditor.h"
 
+#include <limits>
+
 class QLineEdit;
 
 namespace pdf {
@@ -27,6 +29,9 @@ private:
     QLineEdit* edit() const;
     void fitFont();
 };
+
+/// For a control that would else cut a long text without a word. The document says what is too long.
+constexpr int unlimitedLength = std::numeric_limits<int>::max();
 
 /// How a field wants its text to stand.
 Qt::Alignment alignmentOf(const PDFFormField& field);

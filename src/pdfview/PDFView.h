@@ -167,7 +167,8 @@ public:
     void refreshPage(int page);
 
     /// Hands a form field that is being edited to the document, and calls the function when the document has
-    /// all that was entered; to be waited for before it is saved.
+    /// all that was entered; to be waited for before it is saved. What the document refuses stays in its
+    /// editor, marked, and the user is told.
     void finishEditing(std::function<void()> then);
 
     // The parts of the view, for those who speak for it.

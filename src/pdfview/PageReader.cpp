@@ -43,6 +43,7 @@ PageReader::PageReader(PDFView& view)
     connect(&view, &PDFView::documentChanged, this, &PageReader::startDocument);
     // The first pages come before everything else.
     connect(&view, &PDFView::firstPagesShown, this, &PageReader::follow);
+    connect(&view, &PDFView::annotationsOutdated, this, &PageReader::outdate);
     connect(&view, &PDFView::pagesMoved, this, [this] {
         if (m_jobs && m_view.hasShownPages())
             follow();
@@ -73,6 +74,7 @@ void PageReader::startDocument()
         cancellation.cancel();
     m_requested.clear();
     m_pages.clear();
+    m_outdated.clear();
     m_held.clear();
     m_rest.stop();
     m_jobs = m_view.document() ? std::make_unique<JobQueue>() : nullptr;
@@ -105,9 +107,24 @@ bool PageReader::isWanted(int page) const
            page <= std::min(m_view.pageCount() - 1, visible.last + pagesAround);
 }
 
+void PageReader::outdate(int page)
+{
+    const auto requested = m_requested.find(page);
+    if (requested != m_requested.end()) {
+        requested->second.cancel();
+        m_requested.erase(requested);
+    } else if (!m_pages.contains(page)) {
+        return;
+    }
+    // Something may be dragged over the page; its text is wanted when that has come to an end.
+    m_outdated.insert(page);
+    m_rest.start();
+}
+
 void PageReader::forgetDistantPages()
 {
     std::erase_if(m_pages, [this](const auto& entry) { return !isWanted(entry.first); });
+    std::erase_if(m_outdated, [this](int page) { return !isWanted(page); });
     std::erase_if(m_requested, [this](const auto& entry) {
         if (isWanted(entry.first))
             return false;
@@ -121,12 +138,17 @@ void PageReader::requestPages()
     const auto visible = m_view.pageViewport().visiblePages();
     for (int page = visible.first; page <= visible.last; ++page)
         request(page);
+    const std::set<int> outdated = m_outdated;
+    for (const int page : outdated)
+        request(page);
 }
 
 void PageReader::request(int page)
 {
-    if (!m_jobs || m_pages.contains(page) || m_requested.contains(page))
+    const bool isAtHand = m_pages.contains(page) && !m_outdated.contains(page);
+    if (!m_jobs || isAtHand || m_requested.contains(page))
         return;
+    m_outdated.erase(page);
     const Cancellation cancellation;
     m_requested.emplace(page, cancellation);
     m_jobs->add(
@@ -142,7 +164,10 @@ void PageReader::request(int page)
 void PageReader::take(int page, const PageMatter& matter)
 {
     m_requested.erase(page);
-    m_pages[page] = matter;
+    const auto before = std::exchange(m_pages[page], matter).text;
+    const QString text = matter.text ? matter.text->string() : QString();
+    if (before && before->string() != text)
+        Q_EMIT textChanged(page, TextShift(before->string(), text));
     Q_EMIT pageRead(page);
 }
 

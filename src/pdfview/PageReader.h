@@ -3,6 +3,7 @@
 
 #include "pdf/Cancellation.h"
 #include "pdf/PDFLink.h"
+#include "pdfview/TextShift.h"
 
 #include <QObject>
 #include <QTimer>
@@ -29,7 +30,8 @@ struct PageMatter
 
 /// Keeps the text and the links of the pages around the visible ones at hand. They are read on another thread
 /// after the pages have come to rest, so that neither the mouse nor the drawing of pages waits for them, and
-/// given up when their page is scrolled away. Main thread.
+/// given up when their page is scrolled away. After a form field or an annotation has changed, its page is
+/// read anew; what was known stays at hand until then. Main thread.
 class PageReader : public QObject
 {
     Q_OBJECT
@@ -48,6 +50,8 @@ public:
     void hold(const void* holder, std::set<int> pages);
 
 Q_SIGNALS:
+    /// A page that was read before has another text now; pageRead() follows.
+    void textChanged(int page, const pdf::TextShift& shift);
     void pageRead(int page);
 
 private:
@@ -55,6 +59,7 @@ private:
     void follow();
     void requestPages();
     void request(int page);
+    void outdate(int page);
     void forgetDistantPages();
     bool isWanted(int page) const;
     void take(int page, const PageMatter& matter);
@@ -63,6 +68,8 @@ private:
     std::unique_ptr<JobQueue> m_jobs;
     std::map<int, PageMatter> m_pages;
     std::map<int, Cancellation> m_requested;
+    /// Pages that are at hand and have to be read anew.
+    std::set<int> m_outdated;
     std::map<const void*, std::set<int>> m_held;
     QTimer m_rest;
 };

@@ -6,6 +6,7 @@
 #include "pdfview/JobQueue.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/PageReader.h"
+#include "pdfview/TextShift.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -45,7 +46,9 @@ TextSelector::TextSelector(PDFView& view, PageReader& reader)
     connect(&m_autoScroll, &QTimer::timeout, this, &TextSelector::scrollWithDrag);
     connect(&view, &PDFView::documentChanged, this, &TextSelector::startDocument);
     connect(&view, &PDFView::pagesMoved, this, &TextSelector::followDrag);
+    connect(&reader, &PageReader::textChanged, this, &TextSelector::followText);
     connect(&reader, &PageReader::pageRead, this, &TextSelector::followDrag);
+    connect(&view, &PDFView::annotationsOutdated, this, &TextSelector::followUnread);
 }
 
 TextSelector::~TextSelector()
@@ -68,6 +71,46 @@ void TextSelector::startDocument()
     setSpan(std::nullopt);
     m_reading.reset();
     m_jobs = m_view.document() ? std::make_unique<JobQueue>() : nullptr;
+}
+
+void TextSelector::followText(int page, const TextShift& shift)
+{
+    if (m_caret && m_caret->page == page) {
+        const auto place = shift.end(m_caret->index);
+        m_caret = place ? std::optional(TextPosition{page, *place}) : std::nullopt;
+    }
+    auto span = selectedSpan();
+    if (!span || page < span->from.page || page > span->to.page)
+        return;
+    const bool isBackwards = this->isBackwards();
+    const bool isUsersOwn = m_isUsersOwn;
+    std::optional<qsizetype> start = span->from.index;
+    std::optional<qsizetype> end = span->to.index;
+    if (span->from.page == page)
+        start = shift.start(*start);
+    if (span->to.page == page && span->to.index != endOfPage)
+        end = shift.end(*end);
+    if (start && end)
+        span = Span{{span->from.page, *start}, {span->to.page, *end}};
+    if (!start || !end || span->to <= span->from)
+        return setSelection(std::nullopt);
+    endDrag();
+    m_span.reset();
+    m_anchor = isBackwards ? Span{span->to, span->to} : Span{span->from, span->from};
+    m_isUsersOwn = isUsersOwn;
+    setSpan(span);
+}
+
+void TextSelector::followUnread(int page)
+{
+    const auto span = selectedSpan();
+    if (!span || page < span->from.page || page > span->to.page || m_reader.page(page))
+        return;
+    // Where the ends are now cannot be told.
+    if (page == span->from.page || (page == span->to.page && span->to.index != endOfPage))
+        return setSelection(std::nullopt);
+    m_span.reset();
+    setSpan(span);
 }
 
 void TextSelector::setSelection(std::optional<PDFSelection> selection)

@@ -20,6 +20,7 @@ namespace pdf {
 class JobQueue;
 class PDFView;
 class PageReader;
+class TextShift;
 
 /// Selects text in a view: what is dragged over, a word by a double click, a line by a triple one, and more
 /// of it with Shift. What is selected is known at once as two places in the document; the selection with its
@@ -95,6 +96,10 @@ private:
     };
 
     void startDocument();
+    /// Selects what was selected where it is now, or nothing where its ends were replaced.
+    void followText(int page, const TextShift& shift);
+    /// The same for a page whose text is not at hand.
+    void followUnread(int page);
     Unit unitOfPress(const QMouseEvent& event);
     std::optional<PagePoint> pagePoint(QPointF viewPoint) const;
     /// The character, word or line at a point; absent while the page is not read.

@@ -267,7 +267,7 @@ TEST(PDFPageTextTest, EndsWithAFormTheActualTextThatItLeavesOpen)
     EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("replaced\nafter\nend\n"));
 }
 
-TEST(PDFPageTextTest, ReadsFormsButNotAnnotations)
+TEST(PDFPageTextTest, ReadsFormsAndAnnotations)
 {
     PDFWriter writer;
     const int font = writer.add("<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>");
@@ -280,7 +280,7 @@ TEST(PDFPageTextTest, ReadsFormsButNotAnnotations)
     writer.addPage(
         "/X Do", "/Annots[<</Type/Annot/Subtype/Stamp/Rect[72 400 172 500]/AP<</N " +
                      QByteArray::number(appearance) + " 0 R>>>>]");
-    EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("In a form\n"));
+    EXPECT_EQ(firstPage(writer)->string(), QStringLiteral("In a form\nIn a note\n"));
 }
 
 TEST(PDFPageTextTest, ReadsTheInvisibleTextOverAScan)

@@ -4,7 +4,6 @@
 #include "pdfview/FieldEditor.h"
 
 class QComboBox;
-class QListWidget;
 
 namespace pdf {
 
@@ -27,26 +26,6 @@ protected:
 
 private:
     QComboBox* box() const;
-};
-
-/// Edits a list box.
-class ListFieldEditor final : public FieldEditor
-{
-    Q_OBJECT
-
-public:
-    ListFieldEditor(const PDFFormField& field, QWidget* parent);
-
-    FormValue value() const override;
-    void enter() override;
-    void enterAt(QPoint place, Qt::KeyboardModifiers modifiers) override;
-
-protected:
-    void scaleTo(double scale) override;
-    void showField() override;
-
-private:
-    QListWidget* list() const;
 };
 
 } // namespace pdf
