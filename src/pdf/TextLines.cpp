@@ -214,6 +214,8 @@ private:
     {
         const char32_t code = textCharacter(glyph.character);
         const fz_rect box = glyphBox(run, glyph);
+        const float from = dot(glyph.start, run.direction);
+        const float foot = dot(glyph.start, quarterTurned(run.direction));
         const std::vector<TextLine>& lines = m_result.lines;
         std::size_t end = m_result.characters.size();
         for (std::size_t i = lines.size(); i > 0 && i + linesToReprint > lines.size(); --i) {
@@ -221,10 +223,9 @@ private:
                 return std::nullopt;
             ++m_comparisons;
             const TextLine& line = lines[i - 1];
-            const float from = dot(glyph.start, line.direction);
-            const float foot = dot(glyph.start, quarterTurned(line.direction));
-            if (from > line.extent.x0 - limit && from < line.extent.x1 && foot > line.extent.y0 &&
-                foot < line.extent.y1 + limit) {
+            const bool isInside = from > line.extent.x0 - limit && from < line.extent.x1 &&
+                                  foot > line.extent.y0 && foot < line.extent.y1 + limit;
+            if (isInside && dot(run.direction, line.direction) >= sameDirection) {
                 for (std::size_t at = line.first; at < end; ++at, ++m_comparisons) {
                     if (isAt(m_result.characters[at], code, box, limit))
                         return at + 1;
