@@ -59,14 +59,9 @@ void PageViewport::setScale(double scale, QPoint fixedPoint)
 
 void PageViewport::setScale(double scale)
 {
-    std::optional<Anchor> anchor;
-    if (const int page = currentPage(); page >= 0 && m_layout.hasSizes()) {
-        const QRect visible = pageRect(page) & QRect(QPoint(0, 0), m_size);
-        const int middle = m_size.height() / 2;
-        anchor = anchorAt(QPoint(
-            m_size.width() / 2,
-            visible.isEmpty() ? middle : std::clamp(middle, visible.top(), visible.bottom())));
-    }
+    auto anchor = anchorAt(QPoint(m_size.width() / 2, m_size.height() / 2));
+    if (anchor && anchor->page != currentPage())
+        anchor = mainAnchor();
     m_layout.setScale(scale);
     settle(anchor);
 }

@@ -28,7 +28,7 @@ public:
     double scale() const { return m_layout.scale(); }
     /// Keeps the point of the document under the given point of the view where it is.
     void setScale(double scale, QPoint fixedPoint);
-    /// Keeps the current page where it is: the point of it that is next to the middle of the view.
+    /// Keeps the current page where it is: what of it is in the middle of the view, or else its upper edge.
     void setScale(double scale);
 
     /// The visible page that matters most stays where it is, whatever else moves.
