@@ -85,17 +85,18 @@ PDFDocument::read(const QString& path, std::shared_ptr<SourceFile> source, const
 
 std::shared_ptr<PDFDocument> PDFDocument::openAgain(const Cancellation& cancellation)
 {
-    QString password;
-    {
-        const std::lock_guard lock(m_handle->mutex);
-        if (m_handle->isLocked)
-            return nullptr;
-        password = m_handle->password;
-    }
+    // Without the lock, which an operation of another thread may hold for long.
+    if (m_handle->isLocked)
+        return nullptr;
     auto document = read(m_handle->path, m_handle->source, cancellation);
-    if (!document || !(*document)->unlock(password))
+    if (!document || !(*document)->unlock(m_handle->password))
         return nullptr;
     return *std::move(document);
+}
+
+bool PDFDocument::isFileIntact() const
+{
+    return m_handle->source->isIntact();
 }
 
 QUrl PDFDocument::documentURL() const
@@ -126,8 +127,8 @@ bool PDFDocument::unlock(const QString& password)
     if (error)
         return false;
     m_handle->pageCount = m_handle->pages.pageCount();
-    m_handle->isLocked = false;
     m_handle->password = password;
+    m_handle->isLocked = false;
     const std::lock_guard textLock(m_textMutex);
     if (auto index = std::exchange(m_textIndex, nullptr))
         index->stop();
