@@ -2,6 +2,7 @@
 #include "pdf/CookieScope.h"
 
 #include "pdf/CancellationState.h"
+#include "pdf/ProcessorBudget.h"
 
 #include <algorithm>
 #include <atomic>
@@ -17,6 +18,14 @@ thread_local CookieScope* currentScope = nullptr;
 
 // How long the watch sleeps at least, however little time an operation has left.
 constexpr std::chrono::milliseconds shortestLook(5);
+
+/// When an operation that begins now has spent its time, in the thread's processor time.
+std::chrono::nanoseconds endOf(const ThreadClock& clock, std::chrono::milliseconds time)
+{
+    const std::chrono::nanoseconds end = clock.now() + time;
+    const ProcessorBudget* const budget = ProcessorBudget::current();
+    return budget ? std::min(end, budget->end()) : end;
+}
 
 } // namespace
 
@@ -78,12 +87,10 @@ private:
 
 CookieScope::CookieScope(const Cancellation& cancellation, std::chrono::milliseconds time)
     : m_cancellation(cancellation)
-    , m_end(m_clock.now() + time)
-    , m_deadline(std::min(
-          Clock::now() + std::max(time, limits::patience),
-          cancellation.m_state->deadline.value_or(Clock::time_point::max())))
+    , m_end(endOf(m_clock, time))
+    , m_deadline(cancellation.m_state->deadline.value_or(Clock::time_point::max()))
     // The processor's time runs no faster than the clock.
-    , m_nextLook(std::min(m_deadline, Clock::now() + time))
+    , m_nextLook(std::min<Clock::time_point>(m_deadline, Clock::now() + (m_end - m_clock.now())))
 {
     currentScope = this;
     {

@@ -7,6 +7,7 @@
 #include "pdf/FileStream.h"
 #include "pdf/FormWriter.h"
 #include "pdf/Handles.h"
+#include "pdf/Limits.h"
 #include "pdf/PrintComposer.h"
 #include "pdf/TextIndex.h"
 
@@ -55,7 +56,7 @@ PDFDocument::read(const QString& path, std::shared_ptr<SourceFile> source, const
     handle->path = path;
     handle->source = std::move(source);
     handle->ownFile = handle->source->identity();
-    CookieScope scope(cancellation);
+    CookieScope scope(cancellation, limits::opening(handle->source->size()));
     auto error = engine::attempt(scope, [&](fz_context* ctx) {
         fz_stream* stream = newFileStream(ctx, handle->source);
         fz_try(ctx)
