@@ -19,10 +19,6 @@
 namespace pdf {
 namespace {
 
-// What a page may take to be interpreted, and again each of its tiles, on the busiest of machines. What keeps
-// the processor busy the engine gives up much earlier.
-constexpr std::chrono::seconds longestTime(60);
-
 // Pages whose display lists stay although none of their tiles is wanted.
 constexpr std::size_t keptPages = 6;
 
@@ -203,7 +199,7 @@ private:
         const int page = job.tile.page;
         m_pageBeingRead = page;
         job.readsPage = true;
-        const Cancellation cancellation = job.cancellation = Cancellation::after(longestTime);
+        const Cancellation cancellation = job.cancellation = Cancellation();
         lock.unlock();
         auto content = std::make_shared<const PageContent>(
             old ? readAnnotations(*m_document, *old, cancellation)
@@ -228,7 +224,7 @@ private:
     void draw(Job& job, const PageContent& content, Lock& lock)
     {
         const Tile tile = job.tile;
-        const Cancellation cancellation = job.cancellation = Cancellation::after(longestTime);
+        const Cancellation cancellation = job.cancellation = Cancellation();
         const bool isChanging = m_changingPages.contains(tile.page);
         const QImage* known = m_contentPictures.object(tile);
         QImage contentPicture = known ? *known : QImage();
