@@ -246,16 +246,16 @@ pdf::Result<PDFTextExtractor::Reading> PDFTextExtractor::readDocument(
         std::vector<std::jthread> helpers;
         for (int i = 1; i < threads; ++i) {
             helpers.emplace_back([&] {
-                const auto copy = openUnlocked(path, password, cancellation);
-                // The file may have been replaced since; then its pages are not ours.
-                if (copy && (*copy)->pageCount() == pageCount)
-                    reading.takePart(**copy);
+                if (const auto again = (*document)->openAgain(cancellation))
+                    reading.takePart(*again);
             });
         }
         reading.takePart(**document);
     }
     if (cancellation.isCancelled())
         return pdf::PDFError{pdf::PDFError::Code::cancelled, QStringLiteral("the reading was cancelled")};
+    if (!(*document)->isFileIntact())
+        return pdf::changedMeanwhile();
     return reading.takeResult();
 }
 

@@ -62,7 +62,9 @@ public:
     /// Reads a whole file on the calling thread and as many helper threads as are worth it; pages are
     /// independent of one another and come back in page order. Pages that cannot be fetched are left out.
     /// What a page may cost is bounded, so whether it is given up on depends on itself alone and not on its
-    /// neighbours or on how busy the machine is; a document takes as long as its pages do. Without a password, one that the user gave earlier in this
+    /// neighbours or on how busy the machine is; a document takes as long as its pages do. Fails with
+    /// `changedMeanwhile` when another program has written into the file while it was read; a file that was
+    /// replaced by another one is read to its end. Without a password, one that the user gave earlier in this
     /// process for the same path is tried.
     static pdf::Result<Reading> readDocument(
         const QString& path, const std::optional<QString>& password, const pdf::Cancellation& cancellation,

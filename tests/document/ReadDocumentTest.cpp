@@ -119,6 +119,35 @@ TEST_F(ReadDocumentTest, LeavesTheBoxesOutWhereNobodyWantsThem)
     EXPECT_FALSE(reading->pageTexts[0].boundingBoxes);
 }
 
+// Enough pages for all threads to take part.
+constexpr int manyPages = 1000;
+
+TEST_F(ReadDocumentTest, ReadsOneDocumentWhenItsFileIsReplacedMeanwhile)
+{
+    const QString path = m_folder.write(QStringLiteral("a.pdf"), textPages(manyPages, "first").bytes());
+    const auto replace = [&](std::int64_t) {
+        const QString other = m_folder.write(QStringLiteral("b.pdf"), textPages(manyPages, "second").bytes());
+        ASSERT_TRUE(QFile::remove(path));
+        ASSERT_TRUE(QFile::rename(other, path));
+    };
+    const auto reading = read(path, {.onPageCount = replace});
+    ASSERT_TRUE(reading);
+    ASSERT_EQ(reading->pageTexts.size(), std::size_t{manyPages});
+    for (int i = 0; i < manyPages; ++i)
+        ASSERT_EQ(reading->pageTexts[static_cast<std::size_t>(i)].text, QStringLiteral("first %1\n").arg(i));
+}
+
+TEST_F(ReadDocumentTest, RefusesADocumentThatIsOverwrittenMeanwhile)
+{
+    const QString path = m_folder.write(QStringLiteral("a.pdf"), textPages(manyPages, "first").bytes());
+    const auto overwrite = [&](std::int64_t) {
+        m_folder.write(QStringLiteral("a.pdf"), textPages(manyPages, "another").bytes());
+    };
+    const auto reading = read(path, {.onPageCount = overwrite});
+    ASSERT_FALSE(reading);
+    EXPECT_EQ(reading.error().code, Code::changedMeanwhile);
+}
+
 TEST_F(ReadDocumentTest, SaysWhyALockedFileCannotBeRead)
 {
     const QString plain = m_folder.write(QStringLiteral("plain.pdf"), textPages(1, "secret").bytes());
