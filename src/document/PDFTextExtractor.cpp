@@ -2,6 +2,7 @@
 #include "document/PDFTextExtractor.h"
 
 #include "document/DocumentPasswords.h"
+#include "document/ReadingGuard.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
 #include "pdf/ProcessorBudget.h"
@@ -263,20 +264,22 @@ QFuture<void> PDFTextExtractor::extractText(const QUrl& url, DocumentState* docu
 {
     const QPointer<DocumentState> state(documentState);
     const pdf::Cancellation cancellation;
-    QObject::connect(documentState, &QObject::destroyed, [cancellation] { cancellation.cancel(); });
+    const QPointer<ReadingGuard> guard(new ReadingGuard(documentState, cancellation));
     const auto done = std::make_shared<QPromise<void>>();
     done->start();
-    m_actor.run([path = url.toLocalFile(), state, cancellation, done] {
+    m_actor.run([path = url.toLocalFile(), state, cancellation, guard, done] {
         const ReadingOptions options{.onPageCount = [&](std::int64_t pageCount) {
-            onMainThread([state, pageCount] {
-                if (state)
+            onMainThread([state, cancellation, pageCount] {
+                if (state && !cancellation.isCancelled())
                     state->setTotalPages(pageCount);
             });
         }};
         auto reading = readDocument(path, std::nullopt, cancellation, options);
         // Both writes go the same way, so the page count comes first however fast the reading was.
-        onMainThread([state, done, reading = std::move(reading)]() mutable {
-            publish(std::move(reading), state);
+        onMainThread([state, cancellation, guard, done, reading = std::move(reading)]() mutable {
+            // Since it was read the state may have come to name another file.
+            publish(std::move(reading), cancellation.isCancelled() ? nullptr : state.data());
+            delete guard;
             done->finish();
         });
     });

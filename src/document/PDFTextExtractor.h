@@ -43,8 +43,9 @@ public:
     static PDFTextExtractor& shared();
 
     /// Fills totalPages (before any page is read), then pageTexts, each on the main thread. A file that
-    /// cannot be opened leaves the state as it was and one line on standard output. Deleting the state ends
-    /// the reading. To be called on the main thread; the future ends there after the last write.
+    /// cannot be opened leaves the state as it was and one line on standard output. The reading ends at once,
+    /// and nothing more is written, when the state is deleted or names another file and when another file is
+    /// read into it. To be called on the main thread; the future ends there after the last write.
     QFuture<void> extractText(const QUrl& url, DocumentState* documentState);
 
     /// The text of all pages in order, joined by two line feeds. Any thread.

@@ -186,16 +186,6 @@ TEST_F(PDFTextExtractorTest, APageThatCannotBeFetchedIsLeftOut)
     EXPECT_EQ(page(1).text, QStringLiteral("third\n"));
 }
 
-TEST_F(PDFTextExtractorTest, DeletingTheStateEndsTheReading)
-{
-    std::vector<QByteArray> contents(400, showText(72, 700, "text"));
-    const QUrl url = writeFile(pages(contents).bytes());
-    auto state = std::make_unique<DocumentState>();
-    const QFuture<void> future = m_extractor.extractText(url, state.get());
-    state.reset();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return future.isFinished(); }, 10000));
-}
-
 TEST_F(PDFTextExtractorTest, ReadsAnEncryptedFileWithThePasswordThatTheUserGave)
 {
     const QString plain =
