@@ -4,20 +4,15 @@
 #include "cli/InputFile.h"
 #include "cli/PasswordQuestion.h"
 #include "cli/SpooledInput.h"
-#include "pdf/Cancellation.h"
 
 #include <QCoreApplication>
 #include <QStringConverter>
 #include <QStringTokenizer>
 
-#include <chrono>
 #include <utility>
 
 namespace quillo::cli {
 namespace {
-
-// Leaves time to print what was read within ten seconds.
-constexpr std::chrono::milliseconds documentTime{8000};
 
 // The text and what is made of it take several times this in memory.
 constexpr qint64 maximumPlainBytes = qint64{128} << 20;
@@ -35,24 +30,20 @@ QString decoded(QByteArrayView bytes)
         .decode(bytes);
 }
 
-pdf::Result<PDFTextExtractor::Reading>
-readDocument(const QString& path, const std::optional<QString>& password)
-{
-    return PDFTextExtractor::readDocument(path, password, pdf::Cancellation::after(documentTime));
-}
-
 /// Asks for a password where one is needed and none was given.
 pdf::Result<PDFTextExtractor::Reading>
-readUnlocked(const QString& path, const QString& name, const std::optional<QString>& password)
+readUnlocked(
+    const QString& path, const QString& name, const std::optional<QString>& password,
+    const ReadingOptions& options)
 {
-    auto reading = readDocument(path, password);
+    auto reading = PDFTextExtractor::readDocument(path, password, {}, options);
     for (int i = 0; i < maximumQuestions && !password && !reading; ++i) {
         if (reading.error().code != pdf::PDFError::Code::passwordRequired)
             break;
         const auto answer = askForPassword(name, i > 0);
         if (!answer)
             break;
-        reading = readDocument(path, answer);
+        reading = PDFTextExtractor::readDocument(path, answer, {}, options);
     }
     return reading;
 }
@@ -80,7 +71,8 @@ PageTexts pagesOfPlainText(const QString& text)
     return pages;
 }
 
-pdf::Result<PDFTextExtractor::Reading> readInput(const Input& input, const std::optional<QString>& password)
+pdf::Result<PDFTextExtractor::Reading>
+readInput(const Input& input, const std::optional<QString>& password, const ReadingOptions& options)
 {
     if (input.isPlain) {
         const auto text = readPlainText(input.path);
@@ -91,14 +83,14 @@ pdf::Result<PDFTextExtractor::Reading> readInput(const Input& input, const std::
         return PDFTextExtractor::Reading{count, std::move(pages)};
     }
     if (!input.isStandardInput())
-        return readUnlocked(input.path, input.path, password);
+        return readUnlocked(input.path, input.path, password, options);
     auto standardInput = InputFile::open(input.path);
     if (!standardInput)
         return standardInput.error();
     const auto spooled = SpooledInput::read(*standardInput, maximumSpooledBytes);
     if (!spooled)
         return spooled.error();
-    return readUnlocked(spooled->path(), input.path, password);
+    return readUnlocked(spooled->path(), input.path, password, options);
 }
 
 } // namespace quillo::cli

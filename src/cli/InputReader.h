@@ -12,10 +12,11 @@
 
 namespace quillo::cli {
 
-/// Reads the pages of a PDF or of plain text, with a limit on the time that a PDF may take and on the size of
-/// plain text. Where a PDF needs a password and none is given, the user is asked at most three times. The
-/// error's message is a reason that fits behind the file's name.
-pdf::Result<PDFTextExtractor::Reading> readInput(const Input& input, const std::optional<QString>& password);
+/// Reads the pages of a PDF, as the options say, or of plain text, of which there is a limit. Where a PDF needs
+/// a password and none is given, the user is asked at most three times. The error's message is a reason that
+/// fits behind the file's name.
+pdf::Result<PDFTextExtractor::Reading>
+readInput(const Input& input, const std::optional<QString>& password, const ReadingOptions& options);
 
 /// Reads all of a text; "-" is standard input. The text is UTF-8 unless its byte order mark says otherwise;
 /// the mark is no part of it. A text that cannot be read to its end, or is too long, is an error.

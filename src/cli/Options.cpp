@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 namespace quillo::cli {
@@ -14,9 +15,9 @@ namespace {
 
 constexpr auto standardInput = QLatin1String("-");
 
-constexpr std::array<QLatin1String, 4> optionsWithValue = {
+constexpr std::array<QLatin1String, 5> optionsWithValue = {
     QLatin1String("--password"), QLatin1String("--password-file"), QLatin1String("--plain"),
-    QLatin1String("--text")};
+    QLatin1String("--text"), QLatin1String("--time-limit")};
 
 constexpr std::array<std::pair<QStringView, Command>, 6> commands = {{
     {u"text", Command::text},
@@ -109,8 +110,20 @@ private:
             m_options.passwordFile = value;
         else if (name == QLatin1String("--plain"))
             m_options.inputs.push_back({value, true});
+        else if (name == QLatin1String("--time-limit"))
+            takeTimeLimit(value);
         else
             m_options.passage = textOf(value);
+    }
+
+    void takeTimeLimit(const QString& value)
+    {
+        bool isNumber = false;
+        const double seconds = value.toDouble(&isNumber);
+        if (isNumber && std::isfinite(seconds) && seconds > 0)
+            m_options.timeLimit = std::chrono::duration<double>(seconds);
+        else
+            m_error = tr("--time-limit needs a positive number of seconds");
     }
 
     void takeSwitch(const QString& argument)
@@ -190,6 +203,7 @@ QString helpText()
         "  --plain FILE          read text whose pages are separated by form feeds instead of a PDF:\n"
         "                        UTF-8, or UTF-16 with its byte order mark\n"
         "  --text STRING         the passage to explain\n"
+        "  --time-limit SECONDS  end with status 1 when it takes longer; without it, as long as it takes\n"
         "  --help                print this\n"
         "  --version             print the version\n"
         "\n"
@@ -198,7 +212,14 @@ QString helpText()
         "Without a password you are asked for one on the terminal when a file needs it. That is the safest\n"
         "way, and for programs --password-file is.\n"
         "\n"
-        "The exit status is 0, 1 when some input cannot be read, and 2 when the arguments make no sense.\n");
+        "A page that asks for too much time or memory is given up on: it has no text, and standard error "
+        "tells\n"
+        "its number. How far the reading is can be seen where standard error is a terminal.\n"
+        "\n"
+        "The exit status is 0 when everything was read, 1 when some input cannot be read or the time limit "
+        "is\n"
+        "over, 2 when the arguments make no sense, 3 when pages were given up on and all else was read, and\n"
+        "130 or 143, as a shell tells it, when the program was interrupted or terminated.\n");
 }
 
 } // namespace quillo::cli

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 #include <variant>
 #include <vector>
@@ -36,6 +37,8 @@ struct Options
     std::optional<QString> password;
     /// The file that holds the password, instead; "-" is standard input.
     std::optional<QString> passwordFile;
+    /// How long the program may take by the clock, over all inputs; positive.
+    std::optional<std::chrono::duration<double>> timeLimit;
 };
 
 /// What the program tells of itself.

@@ -2,9 +2,12 @@
 #include "document/PDFTextExtractor.h"
 
 #include "document/DocumentPasswords.h"
+#include "document/ReadingGuard.h"
 #include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
+#include "pdf/ProcessorBudget.h"
+#include "pdf/TextLayer.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -14,7 +17,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <thread>
@@ -29,10 +31,8 @@ constexpr int pagesWorthAThread = 8;
 // Large enough that threads seldom meet at the counter, small enough that none is left with a long tail.
 constexpr int pagesPerTurn = 4;
 
-// The time for one page's text, a thousand times what a full page takes. It halves with every page that is
-// given up, which bounds the time that pages of a hostile file can cost together to twice this.
-constexpr std::chrono::milliseconds firstPatience{2000};
-constexpr std::chrono::milliseconds leastPatience{2};
+// So many boxes are made between two looks at the time, which costs more than a box.
+constexpr std::size_t boxesBetweenLooks = 4096;
 
 bool isBlank(QStringView text)
 {
@@ -52,7 +52,7 @@ qsizetype characterCount(QStringView word)
     return count;
 }
 
-/// Calls `use` with each run of characters between white space.
+/// Calls `use` with each run of characters between white space, until that gives false.
 template <typename Use>
 void forEachWord(const QString& text, Use&& use)
 {
@@ -60,16 +60,17 @@ void forEachWord(const QString& text, Use&& use)
     for (qsizetype i = 0; i <= text.size(); ++i) {
         if (i < text.size() && !text[i].isSpace())
             continue;
-        if (i > start)
-            use(text.mid(start, i - start));
+        if (i > start && !use(text.mid(start, i - start)))
+            return;
         start = i + 1;
     }
 }
 
-/// A box for every word. Each box covers the first characters of the page, as many as the word has: boxes
-/// tell how much text there is and are not used to find it on the page. Words of one length share one look at
-/// the page, so all boxes together cost time linear in the page's characters.
-std::vector<TextBoundingBox> extractBoundingBoxes(const QString& text, pdf::PDFPage& page)
+/// A box for every word, until the budget is spent. Each box covers the first characters of the page, as many
+/// as the word has: boxes tell how much text there is and are not used to find it on the page. Words of one
+/// length share one look at the page, so all boxes together cost time linear in the page's characters.
+std::vector<TextBoundingBox>
+extractBoundingBoxes(const QString& text, pdf::PDFPage& page, const pdf::ProcessorBudget& budget)
 {
     struct Box
     {
@@ -90,8 +91,34 @@ std::vector<TextBoundingBox> extractBoundingBoxes(const QString& text, pdf::PDFP
         }
         if (box.rect)
             result.push_back({std::move(word), *box.rect});
+        return result.size() % boxesBetweenLooks != 0 || !budget.isSpent();
     });
     return result;
+}
+
+PageText withoutText(std::int64_t pageNumber)
+{
+    return {pageNumber, QString(), false, std::nullopt};
+}
+
+/// The page's text with its word boxes, if they are wanted; absent where it costs too much or the reading was
+/// cancelled.
+std::optional<PageText> readPage(
+    int index, pdf::PDFPage& page, const pdf::Cancellation& cancellation, bool withBoxes,
+    const pdf::ProcessorBudget& budget)
+{
+    const auto layer = page.text(cancellation);
+    if (!layer)
+        return std::nullopt;
+    const QString& text = layer->string();
+    if (isBlank(text))
+        return withoutText(index);
+    std::optional<std::vector<TextBoundingBox>> boxes;
+    if (withBoxes)
+        boxes = extractBoundingBoxes(text, page, budget);
+    if (budget.isSpent())
+        return std::nullopt;
+    return PageText(index, text, false, std::move(boxes));
 }
 
 pdf::Result<std::shared_ptr<pdf::PDFDocument>> openUnlocked(
@@ -112,8 +139,9 @@ pdf::Result<std::shared_ptr<pdf::PDFDocument>> openUnlocked(
 class PageReading
 {
 public:
-    PageReading(int pageCount, const pdf::Cancellation& cancellation)
+    PageReading(int pageCount, const pdf::Cancellation& cancellation, const ReadingOptions& options)
         : m_cancellation(cancellation)
+        , m_options(options)
         , m_pages(static_cast<std::size_t>(pageCount))
     {}
 
@@ -124,38 +152,53 @@ public:
              first = m_next.fetch_add(pagesPerTurn)) {
             const int last = std::min(first + pagesPerTurn, pageCount);
             for (int index = first; index < last && !m_cancellation.isCancelled(); ++index) {
-                if (const auto page = document.page(index))
-                    m_pages[static_cast<std::size_t>(index)] = readPage(index, *page);
+                read(document, index);
+                if (m_options.onPageRead)
+                    m_options.onPageRead();
             }
         }
     }
 
     /// The pages that could be fetched, in page order.
-    PageTexts takeResult()
+    PDFTextExtractor::Reading takeResult()
     {
-        PageTexts result;
-        result.reserve(m_pages.size());
-        for (auto& page : m_pages) {
-            if (page)
-                result.push_back(std::move(*page));
+        PDFTextExtractor::Reading result{static_cast<std::int64_t>(m_pages.size()), {}};
+        result.pageTexts.reserve(m_pages.size());
+        for (std::size_t i = 0; i < m_pages.size(); ++i) {
+            if (m_pages[i].text)
+                result.pageTexts.push_back(*std::move(m_pages[i].text));
+            if (m_pages[i].isAbandoned)
+                result.abandonedPages.push_back(static_cast<std::int64_t>(i));
         }
         return result;
     }
 
 private:
-    PageText readPage(int index, pdf::PDFPage& page)
+    struct Page
     {
-        const auto limited = m_cancellation.limitedTo(m_patience.load());
-        PageText text = PDFTextExtractor::readPage(index, page, limited);
-        if (limited.isCancelled())
-            m_patience = std::max(m_patience.load() / 2, leastPatience);
-        return text;
+        std::optional<PageText> text;
+        bool isAbandoned = false;
+    };
+
+    void read(pdf::PDFDocument& document, int index)
+    {
+        Page& result = m_pages[static_cast<std::size_t>(index)];
+        const pdf::ProcessorBudget budget(m_options.pageTime);
+        const auto page = document.page(index);
+        if (page) {
+            result.text = readPage(index, *page, m_cancellation, m_options.withBoxes, budget);
+            result.isAbandoned = !result.text;
+            if (result.isAbandoned)
+                result.text = withoutText(index);
+        } else {
+            result.isAbandoned = budget.isSpent();
+        }
     }
 
     const pdf::Cancellation m_cancellation;
+    const ReadingOptions& m_options;
     std::atomic<int> m_next = 0;
-    std::atomic<std::chrono::milliseconds> m_patience = firstPatience;
-    std::vector<std::optional<PageText>> m_pages;
+    std::vector<Page> m_pages;
 };
 
 template <typename Function>
@@ -188,63 +231,56 @@ PDFTextExtractor& PDFTextExtractor::shared()
     return *extractor;
 }
 
-PageText
-PDFTextExtractor::readPage(std::int64_t pageNumber, pdf::PDFPage& page, const pdf::Cancellation& cancellation)
-{
-    auto text = page.string(cancellation);
-    if (!text || isBlank(*text))
-        return PageText(pageNumber, QString(), false, std::nullopt);
-    auto boxes = extractBoundingBoxes(*text, page);
-    return PageText(pageNumber, std::move(*text), false, std::move(boxes));
-}
-
 pdf::Result<PDFTextExtractor::Reading> PDFTextExtractor::readDocument(
     const QString& path, const std::optional<QString>& password, const pdf::Cancellation& cancellation,
-    const std::function<void(std::int64_t)>& onPageCount)
+    const ReadingOptions& options)
 {
     const auto document = openUnlocked(path, password, cancellation);
     if (!document)
         return document.error();
     const int pageCount = (*document)->pageCount();
-    if (onPageCount)
-        onPageCount(pageCount);
+    if (options.onPageCount)
+        options.onPageCount(pageCount);
 
-    PageReading reading(pageCount, cancellation);
+    PageReading reading(pageCount, cancellation, options);
     {
         const int threads = std::clamp(pageCount / pagesWorthAThread, 1, QThread::idealThreadCount());
         std::vector<std::jthread> helpers;
         for (int i = 1; i < threads; ++i) {
             helpers.emplace_back([&] {
-                const auto copy = openUnlocked(path, password, cancellation);
-                // The file may have been replaced since; then its pages are not ours.
-                if (copy && (*copy)->pageCount() == pageCount)
-                    reading.takePart(**copy);
+                if (const auto again = (*document)->openAgain(cancellation))
+                    reading.takePart(*again);
             });
         }
         reading.takePart(**document);
     }
     if (cancellation.isCancelled())
-        return pdf::PDFError{pdf::PDFError::Code::cancelled, QStringLiteral("reading took too long")};
-    return Reading{pageCount, reading.takeResult()};
+        return pdf::PDFError{pdf::PDFError::Code::cancelled, QStringLiteral("the reading was cancelled")};
+    if (!(*document)->isFileIntact())
+        return pdf::changedMeanwhile();
+    return reading.takeResult();
 }
 
 QFuture<void> PDFTextExtractor::extractText(const QUrl& url, DocumentState* documentState)
 {
     const QPointer<DocumentState> state(documentState);
     const pdf::Cancellation cancellation;
-    QObject::connect(documentState, &QObject::destroyed, [cancellation] { cancellation.cancel(); });
+    const QPointer<ReadingGuard> guard(new ReadingGuard(documentState, cancellation));
     const auto done = std::make_shared<QPromise<void>>();
     done->start();
-    m_actor.run([path = pdf::filePath(url), state, cancellation, done] {
-        auto reading = readDocument(path, std::nullopt, cancellation, [&](std::int64_t pageCount) {
-            onMainThread([state, pageCount] {
-                if (state)
+    m_actor.run([path = pdf::filePath(url), state, cancellation, guard, done] {
+        const ReadingOptions options{.onPageCount = [&](std::int64_t pageCount) {
+            onMainThread([state, cancellation, pageCount] {
+                if (state && !cancellation.isCancelled())
                     state->setTotalPages(pageCount);
             });
-        });
+        }};
+        auto reading = readDocument(path, std::nullopt, cancellation, options);
         // Both writes go the same way, so the page count comes first however fast the reading was.
-        onMainThread([state, done, reading = std::move(reading)]() mutable {
-            publish(std::move(reading), state);
+        onMainThread([state, cancellation, guard, done, reading = std::move(reading)]() mutable {
+            // Since it was read the state may have come to name another file.
+            publish(std::move(reading), cancellation.isCancelled() ? nullptr : state.data());
+            delete guard;
             done->finish();
         });
     });

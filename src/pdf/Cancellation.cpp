@@ -4,8 +4,6 @@
 #include "pdf/CancellationState.h"
 #include "pdf/CookieScope.h"
 
-#include <algorithm>
-
 namespace pdf {
 
 Cancellation::Cancellation()
@@ -19,18 +17,6 @@ Cancellation Cancellation::after(std::chrono::milliseconds time)
     return cancellation;
 }
 
-Cancellation Cancellation::limitedTo(std::chrono::milliseconds time) const
-{
-    Cancellation child = after(time);
-    auto& deadline = child.m_state->deadline;
-    deadline = std::min(*deadline, m_state->deadline.value_or(*deadline));
-    const std::lock_guard lock(m_state->mutex);
-    std::erase_if(m_state->children, [](const auto& other) { return other.expired(); });
-    m_state->children.push_back(child.m_state);
-    child.m_state->cancelled = m_state->cancelled.load();
-    return child;
-}
-
 void Cancellation::cancel() const
 {
     m_state->cancel();
@@ -42,10 +28,6 @@ void Cancellation::State::cancel()
     cancelled = true;
     for (CookieScope* scope : scopes)
         scope->stop();
-    for (const auto& child : children) {
-        if (const auto state = child.lock())
-            state->cancel();
-    }
 }
 
 bool Cancellation::isCancelled() const

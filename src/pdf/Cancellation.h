@@ -17,10 +17,6 @@ public:
     /// Cancels itself when the time is over.
     static Cancellation after(std::chrono::milliseconds time);
 
-    /// One that goes with this one and at the latest when the time is over; cancelling it leaves this one as
-    /// it is.
-    Cancellation limitedTo(std::chrono::milliseconds time) const;
-
     void cancel() const;
 
     /// True after cancel() and after the deadline.

@@ -25,8 +25,6 @@ struct Cancellation::State
     std::mutex mutex;
     /// The operations that run under this cancellation; guarded by the mutex.
     std::vector<CookieScope*> scopes;
-    /// What goes when this one goes; guarded by the mutex.
-    std::vector<std::weak_ptr<State>> children;
 };
 
 } // namespace pdf

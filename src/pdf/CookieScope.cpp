@@ -2,6 +2,7 @@
 #include "pdf/CookieScope.h"
 
 #include "pdf/CancellationState.h"
+#include "pdf/ProcessorBudget.h"
 
 #include <algorithm>
 #include <atomic>
@@ -18,6 +19,14 @@ thread_local CookieScope* currentScope = nullptr;
 
 // How long the watch sleeps at least, however little time an operation has left.
 constexpr std::chrono::milliseconds shortestLook(5);
+
+/// When an operation that begins now has spent its time, in the thread's processor time.
+std::chrono::nanoseconds endOf(const ThreadClock& clock, std::chrono::milliseconds time)
+{
+    const std::chrono::nanoseconds end = clock.now() + time;
+    const ProcessorBudget* const budget = ProcessorBudget::current();
+    return budget ? std::min(end, budget->end()) : end;
+}
 
 } // namespace
 
@@ -80,12 +89,10 @@ private:
 CookieScope::CookieScope(
     const Cancellation& cancellation, std::chrono::milliseconds time, Clock::time_point now)
     : m_cancellation(cancellation)
-    , m_end(m_clock.now() + time)
-    , m_deadline(std::min(
-          now + std::max(time, limits::patience),
-          cancellation.m_state->deadline.value_or(Clock::time_point::max())))
+    , m_end(endOf(m_clock, time))
+    , m_deadline(cancellation.m_state->deadline.value_or(Clock::time_point::max()))
     // The processor's time runs no faster than the clock.
-    , m_nextLook(std::min(m_deadline, now + time))
+    , m_nextLook(std::min<Clock::time_point>(m_deadline, now + (m_end - m_clock.now())))
 {}
 
 // Where there is no memory to make the scope known, the destructor makes it unknown again, because the other

@@ -15,14 +15,14 @@ namespace pdf {
 
 /// One operation of the engine on the calling thread, from construction to destruction: it ends early when
 /// its caller cancels or when it has spent its time. What counts is the processor's time, so that a document
-/// asks for no more on a machine that is busy with other things; one that only waits ends when the patience
-/// does. MuPDF is stopped in three ways, each of which reaches loops
-/// that the others do not: by the cookie, by the file stream, and, after a moment of grace, by the allocator.
-/// Scopes do not nest.
+/// gets as much on a machine that is busy with other things or whose disk is slow. MuPDF is stopped in three
+/// ways, each of which reaches loops that the others do not: by the cookie, by the file stream, and, after a
+/// moment of grace, by the allocator. Scopes do not nest.
 class CookieScope
 {
 public:
-    /// The operation may spend the given time and ends earlier when the cancellation has a deadline.
+    /// The operation may spend the given time. It ends earlier when the thread's budget is spent (see
+    /// ProcessorBudget) and when the cancellation has a deadline.
     explicit CookieScope(
         const Cancellation& cancellation, std::chrono::milliseconds time = limits::operation);
     ~CookieScope();

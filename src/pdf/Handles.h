@@ -47,7 +47,7 @@ public:
     FileIdentity ownFile;
     pdf_document* document = nullptr;
     std::atomic<bool> isLocked = false;
-    /// What unlocked it.
+    /// What unlocked it; set before it is unlocked and never again.
     QString password;
     /// Unlocked by the owner's password, which grants everything.
     bool isOwner = false;

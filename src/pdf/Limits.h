@@ -22,11 +22,16 @@ constexpr std::int64_t wholePicture = std::int64_t{16} << 20;
 /// What a JPEG or JPEG 2000 decoder may take for itself, besides the above.
 constexpr std::size_t decoder = std::size_t{256} << 20;
 
-/// The processor time of one operation: opening, reading a page's text, recording or drawing a list.
+/// The processor time of one operation: reading a page's text, recording or drawing a list.
 constexpr std::chrono::milliseconds operation{6000};
 
-/// How long an operation may take by the clock, however little of it the processor works for it.
-constexpr std::chrono::milliseconds patience{60'000};
+/// The processor time of opening a file. A damaged one is read from end to end to be repaired, which takes
+/// some seconds for every hundred megabytes.
+constexpr std::chrono::milliseconds opening(long long bytes)
+{
+    constexpr long long bytesPerMillisecond = 8192;
+    return operation + std::chrono::milliseconds(bytes / bytesPerMillisecond);
+}
 
 /// The time of saving, which is not to be given up for a document that is merely big or a disk that is slow.
 constexpr std::chrono::minutes saving{10};

@@ -8,6 +8,7 @@
 #include "pdf/FileStream.h"
 #include "pdf/FormWriter.h"
 #include "pdf/Handles.h"
+#include "pdf/Limits.h"
 #include "pdf/PrintComposer.h"
 #include "pdf/TextIndex.h"
 
@@ -57,7 +58,7 @@ PDFDocument::read(const QString& path, std::shared_ptr<SourceFile> source, const
     handle->path = path;
     handle->source = std::move(source);
     handle->ownFile = handle->source->identity();
-    CookieScope scope(cancellation);
+    CookieScope scope(cancellation, limits::opening(handle->source->size()));
     auto error = engine::attempt(scope, [&](fz_context* ctx) {
         fz_stream* stream = newFileStream(ctx, handle->source);
         fz_try(ctx)
@@ -87,17 +88,18 @@ PDFDocument::read(const QString& path, std::shared_ptr<SourceFile> source, const
 
 std::shared_ptr<PDFDocument> PDFDocument::openAgain(const Cancellation& cancellation)
 {
-    QString password;
-    {
-        const std::lock_guard lock(m_handle->mutex);
-        if (m_handle->isLocked)
-            return nullptr;
-        password = m_handle->password;
-    }
+    // Without the lock, which an operation of another thread may hold for long.
+    if (m_handle->isLocked)
+        return nullptr;
     auto document = read(m_handle->path, m_handle->source, cancellation);
-    if (!document || !(*document)->unlock(password))
+    if (!document || !(*document)->unlock(m_handle->password))
         return nullptr;
     return *std::move(document);
+}
+
+bool PDFDocument::isFileIntact() const
+{
+    return m_handle->source->isIntact();
 }
 
 QUrl PDFDocument::documentURL() const
@@ -128,8 +130,8 @@ bool PDFDocument::unlock(const QString& password)
     if (error)
         return false;
     m_handle->pageCount = m_handle->pages.pageCount();
-    m_handle->isLocked = false;
     m_handle->password = password;
+    m_handle->isLocked = false;
     const std::lock_guard textLock(m_textMutex);
     if (auto index = std::exchange(m_textIndex, nullptr))
         index->stop();

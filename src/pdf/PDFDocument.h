@@ -61,6 +61,15 @@ public:
     PDFDocument(const PDFDocument&) = delete;
     PDFDocument& operator=(const PDFDocument&) = delete;
 
+    /// The same file once more, unlocked like this one, for another thread to read at the same time; null
+    /// when that fails. It is read from where this one is read from, so it is the same document even when
+    /// another file has taken its name meanwhile. What was changed in this one is not in it.
+    std::shared_ptr<PDFDocument> openAgain(const Cancellation& cancellation = {});
+
+    /// False once another program has written into the file that the document is read from, so that what is
+    /// read now may not be what was opened. A file that was replaced by another one stays as it was.
+    bool isFileIntact() const;
+
     /// The file as it was given to open().
     QUrl documentURL() const;
 
@@ -165,13 +174,9 @@ private:
 
     friend class PDFAnnotation;
     friend class PDFPage;
-    friend class TextIndex;
 
     static Result<std::shared_ptr<PDFDocument>>
     read(const QString& path, std::shared_ptr<SourceFile> source, const Cancellation& cancellation);
-    /// The same file once more, unlocked like this one; null when that fails. What was changed in this one is
-    /// not in it.
-    std::shared_ptr<PDFDocument> openAgain(const Cancellation& cancellation);
     std::shared_ptr<TextIndex> textIndex();
 
     std::unique_ptr<DocumentHandle> m_handle;

@@ -21,10 +21,6 @@
 namespace pdf {
 namespace {
 
-// What a page may take to be interpreted, and again each of its tiles, on the busiest of machines. What keeps
-// the processor busy the engine gives up much earlier.
-constexpr std::chrono::seconds longestTime(60);
-
 // Pages whose display lists stay although none of their tiles is wanted.
 constexpr std::size_t keptPages = 6;
 
@@ -149,7 +145,7 @@ private:
         const int page = job.tile.page;
         m_pageBeingRead = page;
         job.readsPage = true;
-        const Cancellation cancellation = job.cancellation = Cancellation::after(longestTime);
+        const Cancellation cancellation = job.cancellation = Cancellation();
         const int versionBefore = job.version;
         lock.unlock();
         PageContent result = old ? readAnnotations(*m_document, *old, cancellation)
@@ -176,7 +172,7 @@ private:
     void draw(Job& job, const PageContent& content, Lock& lock)
     {
         const Tile tile = job.tile;
-        const Cancellation cancellation = job.cancellation = Cancellation::after(longestTime);
+        const Cancellation cancellation = job.cancellation = Cancellation();
         const TilePicture* known = m_pictures.object(tile);
         TilePicture picture = known ? *known : TilePicture();
         lock.unlock();

@@ -7,13 +7,10 @@
 #include "pdf/PDFPage.h"
 #include "platform/Actor.h"
 
-#include <chrono>
 #include <utility>
 
 namespace quillo {
 namespace {
-
-constexpr std::chrono::seconds longestOpening(8);
 
 // As much of the first page as fits a window of usual height; at another scale it does as a first guess.
 constexpr int firstPageRows = 2;
@@ -64,7 +61,7 @@ pdf::Result<pdf::ShownDocument> open(
 
 DocumentOpening beginNow(const QString& path, double scale, const std::optional<QString>& password)
 {
-    DocumentOpening opening{path, pdf::Cancellation::after(longestOpening), {}};
+    DocumentOpening opening{path, {}, {}};
     opening.result = openingActor().run([path, scale, password, cancellation = opening.cancellation] {
         return open(path, scale, password, cancellation);
     });

@@ -10,6 +10,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
 #include "sidebar/UnderstandSidebar.h"
+#include "support/EndlessPages.h"
 #include "support/Printing.h"
 #include "support/Widgets.h"
 #include "viewer/PDFViewer.h"
@@ -389,6 +390,21 @@ TEST_F(ContentViewTest, IsClosedWhileATextIsBeingRead)
     m_window.reset();
     QCoreApplication::processEvents();
     EXPECT_FALSE(m_window);
+}
+
+TEST_F(ContentViewTest, ReadsAnotherDocumentAtOnceWhereOneTakesForEver)
+{
+    show();
+    PDFWriter writer;
+    writer.addPage(showText(72, 700, "First"));
+    addEndlessPages(writer, 200);
+    post(QUrl::fromLocalFile(m_folder.write(QStringLiteral("slow.pdf"), writer.bytes())));
+    ASSERT_TRUE(labelBecomes(pageLabel, QStringLiteral("1 / 201")));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return state().totalPages() == 201; }, 10000));
+    post(documentOf(2));
+    ASSERT_TRUE(hasText());
+    EXPECT_EQ(state().pageTexts()->size(), 2U);
+    EXPECT_EQ(state().totalPages(), 2);
 }
 
 TEST_F(ContentViewTest, NamesEveryButton)

@@ -186,16 +186,6 @@ TEST_F(PDFTextExtractorTest, APageThatCannotBeFetchedIsLeftOut)
     EXPECT_EQ(page(1).text, QStringLiteral("third\n"));
 }
 
-TEST_F(PDFTextExtractorTest, DeletingTheStateEndsTheReading)
-{
-    std::vector<QByteArray> contents(400, showText(72, 700, "text"));
-    const QUrl url = writeFile(pages(contents).bytes());
-    auto state = std::make_unique<DocumentState>();
-    const QFuture<void> future = m_extractor.extractText(url, state.get());
-    state.reset();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return future.isFinished(); }, 10000));
-}
-
 TEST_F(PDFTextExtractorTest, ReadsAnEncryptedFileWithThePasswordThatTheUserGave)
 {
     const QString plain =
@@ -216,41 +206,6 @@ TEST_F(PDFTextExtractorTest, ReadsAnEncryptedFileWithThePasswordThatTheUserGave)
     EXPECT_EQ(extract(url), "");
     ASSERT_EQ(m_state.pageTexts()->size(), 1U);
     EXPECT_EQ(page(0).text, QStringLiteral("secret\n"));
-}
-
-TEST(PDFTextExtractorReadDocumentTest, SaysWhyALockedFileCannotBeRead)
-{
-    const TestFolder folder;
-    const QString plain =
-        folder.write(QStringLiteral("plain.pdf"), pages({showText(72, 700, "secret")}).bytes());
-    const QString encrypted = folder.path(QStringLiteral("encrypted.pdf"));
-    ASSERT_EQ(
-        runTool(
-            QStringLiteral("qpdf"),
-            {QStringLiteral("--encrypt"), QStringLiteral("key"), QStringLiteral("owner"),
-             QStringLiteral("256"), QStringLiteral("--"), plain, encrypted})
-            .value_or(ToolResult())
-            .exitCode,
-        0);
-
-    const auto missing = PDFTextExtractor::readDocument(encrypted, std::nullopt, {});
-    ASSERT_FALSE(missing);
-    EXPECT_EQ(missing.error().message, QStringLiteral("a password is required"));
-    const auto wrong = PDFTextExtractor::readDocument(encrypted, QStringLiteral("wrong"), {});
-    ASSERT_FALSE(wrong);
-    EXPECT_EQ(wrong.error().message, QStringLiteral("the password is wrong"));
-    EXPECT_TRUE(PDFTextExtractor::readDocument(encrypted, QStringLiteral("key"), {}));
-}
-
-TEST(PDFTextExtractorReadDocumentTest, ACancelledReadingSaysSo)
-{
-    const TestFolder folder;
-    const QString path = folder.write(QStringLiteral("a.pdf"), pages({showText(72, 700, "text")}).bytes());
-    const pdf::Cancellation cancellation;
-    const auto reading = PDFTextExtractor::readDocument(
-        path, std::nullopt, cancellation, [&](std::int64_t) { cancellation.cancel(); });
-    ASSERT_FALSE(reading);
-    EXPECT_EQ(reading.error().code, pdf::PDFError::Code::cancelled);
 }
 
 TEST(PDFTextExtractorGetAllTextTest, JoinsThePagesWithTwoLineFeeds)

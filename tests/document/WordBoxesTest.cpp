@@ -32,7 +32,9 @@ protected:
         const auto document = pdf::PDFDocument::open(path);
         ASSERT_TRUE(document);
         m_page = (*document)->page(0);
-        m_text = PDFTextExtractor::readPage(0, *m_page);
+        const auto reading = PDFTextExtractor::readDocument(path, std::nullopt, {});
+        ASSERT_TRUE(reading);
+        m_text = reading->pageTexts.at(0);
         ASSERT_TRUE(m_text.boundingBoxes);
     }
 

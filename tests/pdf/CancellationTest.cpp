@@ -33,30 +33,5 @@ TEST(CancellationTest, IsCancelledWhenItsTimeIsOver)
     EXPECT_FALSE(Cancellation::after(1h).isCancelled());
 }
 
-TEST(CancellationTest, ALimitedOneGoesWithTheOneItCameFrom)
-{
-    const Cancellation cancellation;
-    const Cancellation limited = cancellation.limitedTo(1h);
-    const Cancellation twiceLimited = limited.limitedTo(1h);
-    EXPECT_FALSE(twiceLimited.isCancelled());
-    cancellation.cancel();
-    EXPECT_TRUE(limited.isCancelled());
-    EXPECT_TRUE(twiceLimited.isCancelled());
-    EXPECT_TRUE(cancellation.limitedTo(1h).isCancelled());
-}
-
-TEST(CancellationTest, ALimitedOneGoesAlone)
-{
-    const Cancellation cancellation;
-    cancellation.limitedTo(1h).cancel();
-    EXPECT_TRUE(cancellation.limitedTo(0ms).isCancelled());
-    EXPECT_FALSE(cancellation.isCancelled());
-}
-
-TEST(CancellationTest, ALimitCannotOutlastTheOneItCameFrom)
-{
-    EXPECT_TRUE(Cancellation::after(0ms).limitedTo(1h).isCancelled());
-}
-
 } // namespace
 } // namespace pdf

@@ -4,6 +4,8 @@
 #include "pdf/Engine.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
+#include "pdf/ProcessorBudget.h"
+#include "support/EndlessPages.h"
 #include "support/PDFWriter.h"
 #include "support/Printing.h"
 
@@ -53,20 +55,10 @@ QByteArray deflatedSpaces(int megabytes)
     return QByteArray("\x78\xda", 2) + block.repeated(megabytes) + QByteArray("\x03\x00", 2);
 }
 
-/// Forms of which each draws the next one ten times, thirty deep.
-PDFWriter explodingForms()
+PDFWriter endlessPageAndAnother()
 {
     PDFWriter writer;
-    int form = writer.addStream("0 0 1 1 re f", "/Type/XObject/Subtype/Form/BBox[0 0 9 9]");
-    for (int i = 0; i < 30; ++i) {
-        form = writer.addStream(
-            "/X Do /X Do /X Do /X Do /X Do /X Do /X Do /X Do /X Do /X Do",
-            "/Type/XObject/Subtype/Form/BBox[0 0 9 9]/Resources<</XObject<</X " + QByteArray::number(form) +
-                " 0 R>>>>");
-    }
-    writer.setResources("/XObject<</X " + QByteArray::number(form) + " 0 R>>");
-    writer.addPage("/X Do");
-    writer.setResources({});
+    addEndlessPages(writer, 1);
     writer.addPage(showText(72, 700, "Still here"));
     return writer;
 }
@@ -96,7 +88,7 @@ TEST(LimitsTest, CountsWhatIsGivenBack)
 
 TEST(LimitsTest, GivesUpContentWithoutEndWhenItsTimeIsOver)
 {
-    const auto document = open(explodingForms());
+    const auto document = open(endlessPageAndAnother());
     const auto list = document->page(0)->contentDisplayList(Cancellation::after(50ms));
     ASSERT_FALSE(list);
     EXPECT_EQ(list.error().code, Code::cancelled);
@@ -106,7 +98,7 @@ TEST(LimitsTest, GivesUpContentWithoutEndWhenItsTimeIsOver)
 
 TEST(LimitsTest, StopsWhenAnotherThreadCancels)
 {
-    const auto document = open(explodingForms());
+    const auto document = open(endlessPageAndAnother());
     const Cancellation cancellation;
     const std::size_t before = engine::memoryInUse();
     std::jthread canceller([&] {
@@ -122,7 +114,7 @@ TEST(LimitsTest, StopsWhenAnotherThreadCancels)
 
 TEST(LimitsTest, LimitsAnOperationThatNobodyCancels)
 {
-    const auto document = open(explodingForms());
+    const auto document = open(endlessPageAndAnother());
     const auto list = document->page(0)->contentDisplayList();
     ASSERT_FALSE(list);
     EXPECT_EQ(list.error().code, Code::limitExceeded);
@@ -139,6 +131,33 @@ TEST(LimitsTest, CountsTheTimeInWhichAnOperationIsBusyAndNotTheTimeInWhichItWait
     EXPECT_TRUE(scope.isStopped());
     ASSERT_TRUE(scope.interruption());
     EXPECT_EQ(scope.interruption()->code, Code::limitExceeded);
+}
+
+TEST(LimitsTest, AThreadsBudgetIsForAllItsOperationsTogether)
+{
+    const auto document = open(endlessPageAndAnother());
+    {
+        const ProcessorBudget budget(50ms);
+        EXPECT_EQ(document->page(1)->string(), QStringLiteral("Still here\n"));
+        EXPECT_FALSE(budget.isSpent());
+        EXPECT_EQ(document->page(0)->text(), nullptr);
+        EXPECT_TRUE(budget.isSpent());
+        const auto list = document->page(0)->contentDisplayList();
+        ASSERT_FALSE(list);
+        EXPECT_EQ(list.error().code, Code::limitExceeded);
+        std::jthread other([&] {
+            const auto again = document->openAgain();
+            EXPECT_TRUE(again && again->page(1)->string()) << "another thread has a budget of its own";
+        });
+    }
+    EXPECT_TRUE(document->page(1)->contentDisplayList()) << "the budget has gone";
+}
+
+TEST(LimitsTest, ABudgetDoesNotCountTheTimeInWhichTheThreadWaits)
+{
+    const ProcessorBudget budget(50ms);
+    std::this_thread::sleep_for(250ms);
+    EXPECT_FALSE(budget.isSpent());
 }
 
 TEST(LimitsTest, GivesUpStreamsThatExpandTwice)

@@ -93,6 +93,33 @@ TEST_F(PDFThreadsTest, ReadOneFileAtTheSameTimeEachOnItsOwn)
     EXPECT_EQ(read, threadCount * pageCount);
 }
 
+TEST_F(PDFThreadsTest, ReadTheSameDocumentAgainWhenItsFileWasReplaced)
+{
+    const auto document = open();
+    PDFWriter other;
+    other.addPage(showText(72, 700, "Other"));
+    ASSERT_TRUE(QFile::remove(m_path));
+    m_folder.write(QStringLiteral("threads.pdf"), other.bytes());
+
+    const auto again = document->openAgain();
+
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->pageCount(), pageCount);
+    EXPECT_TRUE(again->page(3)->string()->startsWith(textOf(3)));
+    EXPECT_TRUE(document->isFileIntact());
+}
+
+TEST_F(PDFThreadsTest, KnowThatAnotherProgramHasWrittenIntoTheFile)
+{
+    const auto document = open();
+    EXPECT_TRUE(document->isFileIntact());
+    QFile file(m_path);
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    file.write("% more");
+    file.close();
+    EXPECT_FALSE(document->isFileIntact());
+}
+
 TEST_F(PDFThreadsTest, ShareOneDocument)
 {
     const auto document = open();
