@@ -2,7 +2,7 @@
 // Measures the page view on a book and on scanned pages: scrolling from end to end, jumping to a page far
 // away, searching, saving. What other programs do as well is timed beside it in the same rounds.
 //
-//     view_benchmark [rounds]
+//     view_benchmark [rounds [scrolling|jumping|searching|saving]]
 //     view_benchmark --save SOURCE TARGET      one saving, for the rounds
 
 #include "support/Book.h"
@@ -17,6 +17,9 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <malloc.h>
 
 namespace quillo::benchmark {
@@ -24,7 +27,8 @@ namespace {
 
 constexpr int usualRounds = 15;
 
-int measure(int rounds)
+/// The part that is named, or all where none is.
+int measure(int rounds, const QString& part)
 {
     const QTemporaryDir folder;
     const Subject book = {QStringLiteral("Book"), folder.filePath(QStringLiteral("book.pdf")), 352};
@@ -37,15 +41,36 @@ int measure(int rounds)
     // The documents have taken much memory, which is not the view's.
     malloc_trim(0);
     const auto heading = [](const char* text) { QTextStream(stdout) << "\n" << text << "\n"; };
-    heading("Scrolling end to end");
-    bool isDone = measureScrolling(book) && measureScrolling(scans);
-    heading("A jump to another page");
-    isDone = isDone && measureJumping(book, rounds) && measureJumping(scans, rounds);
-    heading("Searching");
-    isDone = isDone && measureSearching(book, rounds);
-    heading("Saving after a page was turned");
-    isDone = isDone && measureSaving(book, rounds) && measureSaving(scans, rounds);
-    return isDone ? 0 : 1;
+    const struct
+    {
+        QString name;
+        const char* heading;
+        std::function<bool()> isDone;
+    } parts[] = {
+        {QStringLiteral("scrolling"), "Scrolling end to end",
+         [&] { return measureScrolling(book) && measureScrolling(scans); }},
+        {QStringLiteral("jumping"), "A jump to another page",
+         [&] { return measureJumping(book, rounds) && measureJumping(scans, rounds); }},
+        {QStringLiteral("searching"), "Searching", [&] { return measureSearching(book, rounds); }},
+        {QStringLiteral("saving"), "Saving after a page was turned",
+         [&] { return measureSaving(book, rounds) && measureSaving(scans, rounds); }},
+    };
+    const bool isKnown =
+        part.isEmpty() || std::any_of(std::begin(parts), std::end(parts), [&](const auto& known) {
+            return known.name == part;
+        });
+    if (!isKnown) {
+        QTextStream(stderr) << "there is no part " << part << "\n";
+        return 2;
+    }
+    for (const auto& [name, title, isDone] : parts) {
+        if (!part.isEmpty() && part != name)
+            continue;
+        heading(title);
+        if (!isDone())
+            return 1;
+    }
+    return 0;
 }
 
 } // namespace
@@ -59,9 +84,9 @@ int main(int argc, char* argv[])
     const MainThreadWatch application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     const int rounds = arguments.isEmpty() ? usualRounds : arguments.front().toInt();
-    if (arguments.size() > 1 || rounds < 1) {
-        QTextStream(stderr) << "usage: view_benchmark [rounds]\n";
+    if (arguments.size() > 2 || rounds < 1) {
+        QTextStream(stderr) << "usage: view_benchmark [rounds [scrolling|jumping|searching|saving]]\n";
         return 2;
     }
-    return measure(rounds);
+    return measure(rounds, arguments.value(1));
 }
