@@ -3,8 +3,7 @@
 // away, searching, moving an annotation among many, saving. What other programs do as well is timed beside it
 // in the same rounds.
 //
-//     view_benchmark [rounds]
-//     view_benchmark --moving                  moving annotations alone
+//     view_benchmark [rounds [scrolling|jumping|searching|moving|saving]]
 //     view_benchmark --save SOURCE TARGET      one saving, for the rounds
 
 #include "support/Book.h"
@@ -21,6 +20,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <malloc.h>
 
@@ -30,21 +30,15 @@ namespace {
 constexpr int usualRounds = 15;
 constexpr int annotationCounts[] = {20, 2'000, 20'000};
 
-void printHeading(const char* text)
+bool measureMoving(const QString& folder)
 {
-    QTextStream(stdout) << "\n" << text << "\n";
-}
-
-bool measureAnnotations()
-{
-    printHeading("Annotations of one page");
-    const QTemporaryDir folder;
     return std::all_of(std::begin(annotationCounts), std::end(annotationCounts), [&](int count) {
-        return measureMoving(folder.path(), count);
+        return benchmark::measureMoving(folder, count);
     });
 }
 
-int measure(int rounds)
+/// The part that is named, or all where none is.
+int measure(int rounds, const QString& part)
 {
     const QTemporaryDir folder;
     const Subject book = {QStringLiteral("Book"), folder.filePath(QStringLiteral("book.pdf")), 352};
@@ -56,16 +50,38 @@ int measure(int rounds)
     }
     // The documents have taken much memory, which is not the view's.
     malloc_trim(0);
-    printHeading("Scrolling end to end");
-    bool isDone = measureScrolling(book) && measureScrolling(scans);
-    printHeading("A jump to another page");
-    isDone = isDone && measureJumping(book, rounds) && measureJumping(scans, rounds);
-    printHeading("Searching");
-    isDone = isDone && measureSearching(book, rounds);
-    isDone = isDone && measureAnnotations();
-    printHeading("Saving after a page was turned");
-    isDone = isDone && measureSaving(book, rounds) && measureSaving(scans, rounds);
-    return isDone ? 0 : 1;
+    const struct
+    {
+        QString name;
+        const char* heading;
+        std::function<bool()> isDone;
+    } parts[] = {
+        {QStringLiteral("scrolling"), "Scrolling end to end",
+         [&] { return measureScrolling(book) && measureScrolling(scans); }},
+        {QStringLiteral("jumping"), "A jump to another page",
+         [&] { return measureJumping(book, rounds) && measureJumping(scans, rounds); }},
+        {QStringLiteral("searching"), "Searching", [&] { return measureSearching(book, rounds); }},
+        {QStringLiteral("moving"), "Moving an annotation among many",
+         [&] { return measureMoving(folder.path()); }},
+        {QStringLiteral("saving"), "Saving after a page was turned",
+         [&] { return measureSaving(book, rounds) && measureSaving(scans, rounds); }},
+    };
+    const bool isKnown =
+        part.isEmpty() || std::any_of(std::begin(parts), std::end(parts), [&](const auto& known) {
+            return known.name == part;
+        });
+    if (!isKnown) {
+        QTextStream(stderr) << "there is no part " << part << "\n";
+        return 2;
+    }
+    for (const auto& [name, title, isDone] : parts) {
+        if (!part.isEmpty() && part != name)
+            continue;
+        QTextStream(stdout) << "\n" << title << "\n";
+        if (!isDone())
+            return 1;
+    }
+    return 0;
 }
 
 } // namespace
@@ -78,12 +94,10 @@ int main(int argc, char* argv[])
         return saveTurned(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3])) ? 0 : 1;
     const MainThreadWatch application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
-    if (arguments == QStringList(QStringLiteral("--moving")))
-        return measureAnnotations() ? 0 : 1;
     const int rounds = arguments.isEmpty() ? usualRounds : arguments.front().toInt();
-    if (arguments.size() > 1 || rounds < 1) {
-        QTextStream(stderr) << "usage: view_benchmark [rounds | --moving]\n";
+    if (arguments.size() > 2 || rounds < 1) {
+        QTextStream(stderr) << "usage: view_benchmark [rounds [scrolling|jumping|searching|moving|saving]]\n";
         return 2;
     }
-    return measure(rounds);
+    return measure(rounds, arguments.value(1));
 }
