@@ -107,7 +107,8 @@ CookieScope::CookieScope(const Cancellation& cancellation, std::chrono::millisec
     }
     DeadlineWatch::shared().add(this);
     m_isWatched = true;
-    if (m_cancellation.isCancelled())
+    const ProcessorBudget* const budget = ProcessorBudget::current();
+    if (m_cancellation.isCancelled() || (budget && budget->isSpent()))
         stop();
 }
 

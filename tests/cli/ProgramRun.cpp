@@ -161,12 +161,16 @@ TerminalRun::~TerminalRun()
 
 bool TerminalRun::readMore()
 {
-    constexpr int patience = 60'000;
+    constexpr int patience = 30'000;
     pollfd descriptor = {m_terminal, POLLIN, 0};
     std::array<char, 4096> buffer = {};
     // Reading ends with an error once the other side is closed.
-    const ssize_t count =
-        poll(&descriptor, 1, patience) == 1 ? read(m_terminal, buffer.data(), buffer.size()) : 0;
+    if (poll(&descriptor, 1, patience) != 1) {
+        ADD_FAILURE() << "quillo-cli neither writes anything nor ends";
+        kill(m_process, SIGKILL);
+        return false;
+    }
+    const ssize_t count = read(m_terminal, buffer.data(), buffer.size());
     m_bytes.append(buffer.data(), count > 0 ? count : 0);
     return count > 0;
 }
