@@ -2,8 +2,11 @@
 #include "cli/Commands.h"
 
 #include "cli/InputReader.h"
+#include "cli/Interruption.h"
 #include "cli/JsonPrinter.h"
 #include "cli/MemoryLimit.h"
+#include "cli/PageNumbers.h"
+#include "cli/Progress.h"
 #include "cli/ReportPrinter.h"
 #include "cli/SafeText.h"
 #include "understanding/ActionDetection.h"
@@ -64,20 +67,57 @@ void report(Output& errors, const QString& name, const QString& reason)
     errors.flush();
 }
 
-/// The reason why there is no result, or none.
-std::optional<QString> runOnInput(const Input& input, const Options& options, Printer& printer)
+/// What became of an input.
+struct Outcome
 {
+    ExitStatus status = ExitStatus::success;
+    /// Unless it is a success.
+    QString complaint;
+};
+
+Outcome outcomeOf(const PDFTextExtractor::Reading& reading)
+{
+    const auto& pages = reading.abandonedPages;
+    if (pages.empty())
+        return {};
+    const QString text =
+        pages.size() == 1 ? QCoreApplication::translate(
+                                "quillo::cli", "given up on page %1, which asks for too much time or memory")
+                          : QCoreApplication::translate(
+                                "quillo::cli", "given up on pages %1, which ask for too much time or memory");
+    return {ExitStatus::incompleteInput, text.arg(pageNumbers(pages))};
+}
+
+Outcome runOnInput(const Input& input, const Options& options, Printer& printer, Progress& progress)
+{
+    const ReadingOptions reading{
+        .onPageCount = [&](std::int64_t pageCount) { progress.begin(pageCount); },
+        .onPageRead = [&] { progress.notePage(); },
+        .withBoxes = options.command == Command::text && options.json,
+    };
     try {
-        const auto reading = readInput(input, options.password);
-        if (!reading)
-            return reading.error().message;
+        const auto result = readInput(input, options.password, reading);
+        progress.end();
+        if (!result)
+            return {ExitStatus::unreadableInput, result.error().message};
         if (options.inputs.size() > 1)
             printer.beginFile(input.path);
-        printResult(options.command, *reading, printer);
-        return std::nullopt;
+        printResult(options.command, *result, printer);
+        return outcomeOf(*result);
     } catch (const std::bad_alloc&) {
-        return QCoreApplication::translate("quillo::cli", "it needs more memory than one file may use");
+        progress.end();
+        return {
+            ExitStatus::unreadableInput,
+            QCoreApplication::translate("quillo::cli", "it needs more memory than one file may use")};
     }
+}
+
+/// That of several inputs; one that was not read at all weighs more than one that was read in part.
+ExitStatus worse(ExitStatus a, ExitStatus b)
+{
+    if (a == ExitStatus::unreadableInput || b == ExitStatus::success)
+        return a;
+    return b;
 }
 
 } // namespace
@@ -85,7 +125,10 @@ std::optional<QString> runOnInput(const Input& input, const Options& options, Pr
 ExitStatus runCommand(const Options& options, Output& output, Output& errors)
 {
     const auto printer = makePrinter(options, output);
+    Progress progress;
+    Interruption interruption(progress, options.timeLimit);
     if (options.inputs.empty()) {
+        interruption.nameInput(QStringLiteral("-"));
         const auto passage = options.passage ? pdf::Result<QString>(*options.passage) : readStandardInput();
         if (!passage) {
             report(errors, QStringLiteral("-"), passage.error().message);
@@ -99,13 +142,13 @@ ExitStatus runCommand(const Options& options, Output& output, Output& errors)
     ExitStatus status = ExitStatus::success;
     for (const Input& input : options.inputs) {
         nameInputForMemoryLimit(input.path);
-        const auto reason = runOnInput(input, options, *printer);
+        interruption.nameInput(input.path);
+        const Outcome outcome = runOnInput(input, options, *printer, progress);
         // What was printed comes before what is complained about next.
         output.flush();
-        if (reason) {
-            report(errors, input.path, *reason);
-            status = ExitStatus::unreadableInput;
-        }
+        if (outcome.status != ExitStatus::success)
+            report(errors, input.path, outcome.complaint);
+        status = worse(status, outcome.status);
     }
     return status;
 }

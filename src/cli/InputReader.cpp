@@ -1,19 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "cli/InputReader.h"
 
-#include "pdf/Cancellation.h"
-
 #include <QCoreApplication>
 #include <QFile>
 
-#include <chrono>
 #include <cstdio>
 
 namespace quillo::cli {
 namespace {
-
-// Leaves time to print what was read within ten seconds.
-constexpr std::chrono::milliseconds documentTime{8000};
 
 // The text and what is made of it take several times this in memory.
 constexpr qint64 maximumPlainBytes = qint64{128} << 20;
@@ -61,10 +55,11 @@ PageTexts pagesOfPlainText(const QString& text)
     return pages;
 }
 
-pdf::Result<PDFTextExtractor::Reading> readInput(const Input& input, const std::optional<QString>& password)
+pdf::Result<PDFTextExtractor::Reading>
+readInput(const Input& input, const std::optional<QString>& password, const ReadingOptions& options)
 {
     if (!input.isPlain)
-        return PDFTextExtractor::readDocument(input.path, password, pdf::Cancellation::after(documentTime));
+        return PDFTextExtractor::readDocument(input.path, password, {}, options);
     const auto text = input.isStandardInput() ? readStandardInput() : readPlainFile(input.path);
     if (!text)
         return text.error();

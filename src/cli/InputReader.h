@@ -12,9 +12,10 @@
 
 namespace quillo::cli {
 
-/// Reads the pages of a PDF or of plain text, with a limit on the time that a PDF may take and on the size of
-/// plain text. The error's message is a reason that fits behind the file's name.
-pdf::Result<PDFTextExtractor::Reading> readInput(const Input& input, const std::optional<QString>& password);
+/// Reads the pages of a PDF, as the options say, or of plain text, of which there is a limit. The error's
+/// message is a reason that fits behind the file's name.
+pdf::Result<PDFTextExtractor::Reading>
+readInput(const Input& input, const std::optional<QString>& password, const ReadingOptions& options);
 
 /// Reads all of standard input as UTF-8.
 pdf::Result<QString> readStandardInput();

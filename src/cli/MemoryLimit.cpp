@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "cli/MemoryLimit.h"
 
+#include "cli/Progress.h"
 #include "cli/SafeText.h"
 
 #include <sys/resource.h>
@@ -26,6 +27,7 @@ std::array<char, 512> inputName = {};
     try {
         std::rethrow_exception(std::current_exception());
     } catch (const std::bad_alloc&) {
+        Progress::eraseCurrent();
         std::fprintf(
             stderr, "quillo-cli: %s: it needs more memory than one file may use\n", inputName.data());
         std::_Exit(1);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 namespace quillo::cli {
@@ -81,7 +82,7 @@ private:
         const qsizetype equals = argument.indexOf(QLatin1Char('='));
         const QString name = argument.left(equals);
         const bool takesValue = name == QLatin1String("--password") || name == QLatin1String("--plain") ||
-                                name == QLatin1String("--text");
+                                name == QLatin1String("--text") || name == QLatin1String("--time-limit");
         if (!takesValue) {
             takeSwitch(argument);
             return;
@@ -95,8 +96,20 @@ private:
             m_options.password = value;
         else if (name == QLatin1String("--plain"))
             m_options.inputs.push_back({value, true});
+        else if (name == QLatin1String("--time-limit"))
+            takeTimeLimit(value);
         else
             m_options.passage = value;
+    }
+
+    void takeTimeLimit(const QString& value)
+    {
+        bool isNumber = false;
+        const double seconds = value.toDouble(&isNumber);
+        if (isNumber && std::isfinite(seconds) && seconds > 0)
+            m_options.timeLimit = std::chrono::duration<double>(seconds);
+        else
+            m_error = tr("--time-limit needs a positive number of seconds");
     }
 
     void takeSwitch(const QString& argument)
@@ -171,10 +184,19 @@ QString helpText()
         "  --plain FILE   read UTF-8 text whose pages are separated by form feeds instead of a PDF;\n"
         "                 - is standard input\n"
         "  --text STRING  the passage to explain\n"
+        "  --time-limit SECONDS\n"
+        "                 end with status 1 when it takes longer; without it, as long as it takes\n"
         "  --help         print this\n"
         "  --version      print the version\n"
         "\n"
-        "The exit status is 0, 1 when some input cannot be read, and 2 when the arguments make no sense.\n");
+        "A page that asks for too much time or memory is given up on: it has no text, and standard error "
+        "tells\n"
+        "its number. How far the reading is can be seen where standard error is a terminal.\n"
+        "\n"
+        "The exit status is 0 when everything was read, 1 when some input cannot be read or the time limit "
+        "is\n"
+        "over, 2 when the arguments make no sense, 3 when pages were given up on and all else was read, and\n"
+        "130 or 143, as a shell tells it, when the program was interrupted or terminated.\n");
 }
 
 } // namespace quillo::cli

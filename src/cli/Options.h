@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 #include <variant>
 #include <vector>
@@ -34,6 +35,8 @@ struct Options
     bool json = false;
     /// Tried on every encrypted file.
     std::optional<QString> password;
+    /// How long the program may take by the clock, over all inputs; positive.
+    std::optional<std::chrono::duration<double>> timeLimit;
 };
 
 /// What the program tells of itself.

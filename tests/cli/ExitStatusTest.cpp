@@ -57,7 +57,7 @@ TEST(ExitStatusTest, HelpIsNoError)
     EXPECT_EQ(run.errors, QByteArray());
     for (const char* word :
          {"text", "classify", "extract", "actions", "explain", "analyze", "--json", "--password", "--plain",
-          "--text", "--version"})
+          "--text", "--time-limit", "--version"})
         EXPECT_THAT(run.output.toStdString(), HasSubstr(word));
 }
 

@@ -66,6 +66,20 @@ TEST(OptionsTest, TakesEverythingBehindTwoDashesAsFiles)
     EXPECT_EQ(options.inputs[1].path, QStringLiteral("-x.pdf"));
 }
 
+TEST(OptionsTest, TakesATimeLimitInSeconds)
+{
+    EXPECT_EQ(optionsOf("text a.pdf").timeLimit, std::nullopt);
+    EXPECT_EQ(optionsOf("text a.pdf --time-limit 90").timeLimit, std::chrono::seconds(90));
+    EXPECT_EQ(optionsOf("text a.pdf --time-limit=0.25").timeLimit, std::chrono::milliseconds(250));
+    for (const char* value : {"0", "-1", "ten", "", "inf", "nan", "5s"})
+        EXPECT_EQ(
+            complaintOf(
+                {QStringLiteral("text"), QStringLiteral("a.pdf"),
+                 QStringLiteral("--time-limit=") + QLatin1String(value)}),
+            QStringLiteral("--time-limit needs a positive number of seconds"))
+            << value;
+}
+
 TEST(OptionsTest, ExplainNeedsNoFile)
 {
     EXPECT_TRUE(optionsOf("explain").inputs.empty());

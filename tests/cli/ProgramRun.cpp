@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <vector>
 
@@ -119,44 +120,99 @@ ProgramRun runCli(const QStringList& arguments, const ProgramSetting& setting)
     return result;
 }
 
-QByteArray
-runCliOnTerminal(const QStringList& arguments, unsigned short columns, const QStringList& environment)
+TerminalRun::TerminalRun(const QStringList& arguments, unsigned short columns, const QStringList& environment)
 {
     StringArray argumentArray(QStringList(QStringLiteral(QUILLO_CLI)) + arguments);
     StringArray environmentArray(environmentWith(environment + words("TERM=xterm-256color NO_COLOR=")));
     winsize size = {};
     size.ws_row = 24;
     size.ws_col = columns;
-    int terminal = -1;
     int programsSide = -1;
-    if (openpty(&terminal, &programsSide, nullptr, nullptr, &size) != 0) {
+    if (openpty(&m_terminal, &programsSide, nullptr, nullptr, &size) != 0) {
         ADD_FAILURE() << "there are no terminals to be had";
-        return {};
+        return;
     }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         posix_spawn_file_actions_adddup2(&actions, programsSide, descriptor);
     posix_spawn_file_actions_addclose(&actions, programsSide);
-    posix_spawn_file_actions_addclose(&actions, terminal);
-    pid_t process = 0;
+    posix_spawn_file_actions_addclose(&actions, m_terminal);
     const int error =
-        posix_spawn(&process, QUILLO_CLI, &actions, nullptr, argumentArray.data(), environmentArray.data());
+        posix_spawn(&m_process, QUILLO_CLI, &actions, nullptr, argumentArray.data(), environmentArray.data());
     posix_spawn_file_actions_destroy(&actions);
     close(programsSide);
     EXPECT_EQ(error, 0) << QUILLO_CLI << " cannot be started";
-    if (error != 0)
-        return {};
-    QByteArray shown;
+}
+
+TerminalRun::~TerminalRun()
+{
+    if (m_process > 0 && !m_status) {
+        kill(m_process, SIGKILL);
+        waitForEnd();
+    }
+    close(m_terminal);
+}
+
+bool TerminalRun::readMore()
+{
+    constexpr int patience = 30'000;
+    pollfd descriptor = {m_terminal, POLLIN, 0};
     std::array<char, 4096> buffer = {};
     // Reading ends with an error once the other side is closed.
-    for (ssize_t count = read(terminal, buffer.data(), buffer.size()); count > 0;
-         count = read(terminal, buffer.data(), buffer.size()))
-        shown.append(buffer.data(), count);
-    close(terminal);
-    waitpid(process, nullptr, 0);
+    if (poll(&descriptor, 1, patience) != 1) {
+        ADD_FAILURE() << "quillo-cli neither writes anything nor ends";
+        kill(m_process, SIGKILL);
+        return false;
+    }
+    const ssize_t count = read(m_terminal, buffer.data(), buffer.size());
+    m_bytes.append(buffer.data(), count > 0 ? count : 0);
+    return count > 0;
+}
+
+bool TerminalRun::receives(const QByteArray& text)
+{
+    while (!m_bytes.contains(text)) {
+        if (!readMore())
+            return false;
+    }
+    return true;
+}
+
+void TerminalRun::sendSignal(int signal) const
+{
+    kill(m_process, signal);
+}
+
+int TerminalRun::waitForEnd()
+{
+    while (readMore()) {
+    }
+    if (!m_status) {
+        int status = 0;
+        waitpid(m_process, &status, 0);
+        m_status = status;
+    }
+    return *m_status;
+}
+
+QByteArray TerminalRun::shown() const
+{
     // A terminal gets a carriage return before every line feed.
-    return shown.replace("\r\n", "\n");
+    QByteArray text = m_bytes;
+    text.replace("\r\n", "\n");
+    QList<QByteArray> lines = text.split('\n');
+    for (QByteArray& line : lines)
+        line = line.mid(line.lastIndexOf('\r') + 1);
+    return lines.join('\n');
+}
+
+QByteArray
+runCliOnTerminal(const QStringList& arguments, unsigned short columns, const QStringList& environment)
+{
+    TerminalRun run(arguments, columns, environment);
+    run.waitForEnd();
+    return run.shown();
 }
 
 QString sample(const char* name)

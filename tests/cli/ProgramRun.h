@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <optional>
+#include <sys/types.h>
 
 /// What became of a run of quillo-cli in a process of its own.
 struct ProgramRun
@@ -34,7 +35,37 @@ struct ProgramSetting
 
 ProgramRun runCli(const QStringList& arguments, const ProgramSetting& setting = {});
 
-/// Runs it on a terminal of this many columns and gives what appears there.
+/// A run on a terminal of its own.
+class TerminalRun
+{
+public:
+    TerminalRun(const QStringList& arguments, unsigned short columns, const QStringList& environment = {});
+    /// Kills the program where it still runs.
+    ~TerminalRun();
+    TerminalRun(const TerminalRun&) = delete;
+    TerminalRun& operator=(const TerminalRun&) = delete;
+
+    /// Waits until the program has written the text; false when it ends before.
+    bool receives(const QByteArray& text);
+    void sendSignal(int signal) const;
+    /// How the program has ended, as waitpid() tells it.
+    int waitForEnd();
+
+    /// What the terminal was sent so far.
+    const QByteArray& bytes() const { return m_bytes; }
+    /// What is to be seen of it: a line that is begun anew hides what it was before.
+    QByteArray shown() const;
+
+private:
+    bool readMore();
+
+    int m_terminal = -1;
+    pid_t m_process = 0;
+    QByteArray m_bytes;
+    std::optional<int> m_status;
+};
+
+/// Runs it on a terminal of this many columns and gives what is to be seen there in the end.
 QByteArray
 runCliOnTerminal(const QStringList& arguments, unsigned short columns, const QStringList& environment = {});
 
