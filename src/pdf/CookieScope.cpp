@@ -98,7 +98,8 @@ CookieScope::CookieScope(const Cancellation& cancellation, std::chrono::millisec
         m_cancellation.m_state->scopes.push_back(this);
     }
     DeadlineWatch::shared().add(this);
-    if (m_cancellation.isCancelled())
+    const ProcessorBudget* const budget = ProcessorBudget::current();
+    if (m_cancellation.isCancelled() || (budget && budget->isSpent()))
         stop();
 }
 

@@ -136,21 +136,22 @@ TEST(LimitsTest, CountsTheTimeInWhichAnOperationIsBusyAndNotTheTimeInWhichItWait
 TEST(LimitsTest, AThreadsBudgetIsForAllItsOperationsTogether)
 {
     const auto document = open(endlessPageAndAnother());
+    const auto ordinary = document->page(1);
     {
         const ProcessorBudget budget(50ms);
-        EXPECT_EQ(document->page(1)->string(), QStringLiteral("Still here\n"));
+        EXPECT_EQ(ordinary->string(), QStringLiteral("Still here\n"));
         EXPECT_FALSE(budget.isSpent());
         EXPECT_EQ(document->page(0)->text(), nullptr);
         EXPECT_TRUE(budget.isSpent());
-        const auto list = document->page(0)->contentDisplayList();
-        ASSERT_FALSE(list);
+        const auto list = ordinary->contentDisplayList();
+        ASSERT_FALSE(list) << "nothing is left for it";
         EXPECT_EQ(list.error().code, Code::limitExceeded);
         std::jthread other([&] {
             const auto again = document->openAgain();
             EXPECT_TRUE(again && again->page(1)->string()) << "another thread has a budget of its own";
         });
     }
-    EXPECT_TRUE(document->page(1)->contentDisplayList()) << "the budget has gone";
+    EXPECT_TRUE(ordinary->contentDisplayList()) << "the budget has gone";
 }
 
 TEST(LimitsTest, ABudgetDoesNotCountTheTimeInWhichTheThreadWaits)
