@@ -221,7 +221,8 @@ private:
     }
 
     /// Where refreshes follow one another faster than all tiles of the page can be drawn, those that have
-    /// waited since an earlier one come before those that were drawn meanwhile, so that each has its turn.
+    /// waited since an earlier one keep their order before those that were begun meanwhile, so that each has
+    /// its turn.
     void putWaitingFirst(int page, const std::vector<Tile>& waiting)
     {
         std::vector<std::size_t> places;
@@ -232,9 +233,9 @@ private:
                 tiles.push_back(m_wanted[i]);
             }
         }
-        std::stable_partition(tiles.begin(), tiles.end(), [&](const Tile& tile) {
-            return std::find(waiting.begin(), waiting.end(), tile) != waiting.end();
-        });
+        const auto turn = [&](const Tile& tile) { return std::find(waiting.begin(), waiting.end(), tile); };
+        std::stable_sort(
+            tiles.begin(), tiles.end(), [&](const Tile& a, const Tile& b) { return turn(a) < turn(b); });
         for (std::size_t i = 0; i < places.size(); ++i)
             m_wanted[places[i]] = tiles[i];
     }

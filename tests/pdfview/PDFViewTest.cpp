@@ -385,15 +385,15 @@ TEST_F(PDFViewTest, GoesWhileAPageIsBeingDrawn)
 
 TEST_F(PDFViewTest, ShowsAnAnnotationHoweverFastRefreshesFollowOneAnother)
 {
-    show(colouredDocument(1));
-    const auto annotation =
-        std::make_shared<PDFAnnotation>(QRectF(100, 100, 100, 200), PDFAnnotation::Subtype::freeText);
-    annotation->setColor(Qt::black);
-    m_view->document()->page(0)->addAnnotation(annotation);
+    PDFWriter writer;
+    addPageWithSlowAnnotation(writer);
+    show(writer.bytes());
+    const auto annotation = m_view->document()->page(0)->annotations().at(0);
     const QPoint middle = m_view->pageRect(0).center().toPoint();
     const QDeadlineTimer deadline(20'000);
     bool isShown = false;
-    while (!isShown && !deadline.hasExpired()) {
+    for (int i = 0; !isShown && !deadline.hasExpired(); ++i) {
+        annotation->setBounds({120.0 + i % 50, 120, 200, 200});
         m_view->refreshAnnotations(0);
         QCoreApplication::processEvents();
         m_view->refreshAnnotations(0);

@@ -288,14 +288,18 @@ TEST_F(TileRendererTest, HandsOutPicturesFromBeforeARefreshAsOutdated)
 
 TEST_F(TileRendererTest, DrawsEachTileHoweverFastRefreshesFollowOneAnother)
 {
-    const QSize pixels(1000, 1000);
-    const auto file = document(pageWithBox());
-    const auto tiles = tilesIn(QRect(QPoint(0, 0), pixels), 0, 10.0, pixels);
+    PDFWriter writer;
+    addPageWithSlowAnnotation(writer);
+    const auto file = document(writer);
+    const QSize pixels(800, 800);
+    const auto tiles = tilesIn(QRect(QPoint(0, 0), pixels), 0, 2.0, pixels);
     ASSERT_EQ(tiles.size(), 4U);
+    const auto annotation = file->page(0)->annotations().at(0);
     TileRenderer renderer(file);
     QSet<Tile> drawn;
     const QDeadlineTimer deadline(20s);
-    while (drawn.size() < 4 && !deadline.hasExpired()) {
+    for (int i = 0; drawn.size() < 4 && !deadline.hasExpired(); ++i) {
+        annotation->setBounds({100.0 + i % 50, 100, 200, 200});
         renderer.refreshAnnotations(0);
         renderer.want(tiles);
         for (const auto& result : only<TileRenderer::TileDrawn>(renderer.takeResults()))

@@ -55,6 +55,19 @@ void addEndlessPage(PDFWriter& writer)
     writer.addPage(content);
 }
 
+void addPageWithSlowAnnotation(PDFWriter& writer)
+{
+    QByteArray lines = "0 0 200 200 re f ";
+    for (int i = 0; i < 100; ++i)
+        lines +=
+            QByteArray::number(i % 190) + " 0 m 0 200 200 200 " + QByteArray::number(i % 170) + " 0 c S ";
+    const int picture = writer.addStream(lines, "/Subtype/Form/BBox[0 0 200 200]");
+    const int square = writer.add(
+        "<</Type/Annot/Subtype/Square/F 4/Rect[0 0 200 200]/AP<</N " + QByteArray::number(picture) +
+        " 0 R>>>>");
+    writer.addPage({}, "/MediaBox[0 0 400 400]/Annots[" + QByteArray::number(square) + " 0 R]");
+}
+
 int largestDifference(const QImage& a, const QImage& b)
 {
     if (a.size() != b.size())

@@ -25,6 +25,10 @@ QByteArray colouredDocument(int pageCount, QSize size = {300, 400});
 /// A page whose drawing takes far longer than any test waits for.
 void addEndlessPage(PDFWriter& writer);
 
+/// A page, 400 points by 400, with a black square of 200 points at its lower left, an annotation that takes
+/// longer to draw than a view needs to be refreshed.
+void addPageWithSlowAnnotation(PDFWriter& writer);
+
 /// The largest difference of a colour of a pixel, of 255; 255 for pictures of different sizes.
 int largestDifference(const QImage& a, const QImage& b);
 
