@@ -13,19 +13,13 @@
 namespace quillo {
 namespace {
 
-// The first whole number that a 64-bit integer cannot hold.
-constexpr double integerLimit = 0x1p63;
-
 // Metadata from outside must not exhaust the stack.
 constexpr int greatestDepth = 512;
 
-// A whole number is written without a fraction, whatever its type.
 Json numberToJson(double number)
 {
     if (!std::isfinite(number))
         throw EncodingError("a number that is not finite has no JSON form");
-    if (number == std::trunc(number) && std::abs(number) < integerLimit)
-        return static_cast<std::int64_t>(number);
     return number;
 }
 

@@ -4,179 +4,147 @@
 #include "insight/InsightJson.h"
 #include "understanding/InformationExtraction.h"
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <cmath>
-
 namespace quillo::cli {
 namespace {
 
 constexpr const char* itemsKey = "extractedItems";
 
-// Text is handed on when it has grown to this.
-constexpr qsizetype pieceSize = 65536;
-
-// A book has as many boxes as words, so these are written straight to text. All else goes by way of values.
-
-void appendNumber(QByteArray& json, double value)
-{
-    if (!std::isfinite(value)) {
-        json += "null";
-        return;
-    }
-    // More than the shortest form of any number takes.
-    std::array<char, 32> digits = {};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    json.append(digits.data(), end - digits.data());
-}
-
-void appendText(QByteArray& json, const QString& text)
-{
-    const auto isPlain = [](QChar character) {
-        const char16_t unit = character.unicode();
-        return unit >= 0x20 && unit < 0x7F && unit != u'"' && unit != u'\\';
-    };
-    if (std::all_of(text.begin(), text.end(), isPlain))
-        json.append('"').append(text.toLatin1()).append('"');
-    else
-        json += toJsonText(toJson(text));
-}
-
-void appendBox(QByteArray& json, const TextBoundingBox& box)
-{
-    json += "{\"text\":";
-    appendText(json, box.text);
-    json += ",\"rect\":[";
-    const QRectF& rect = box.rect;
-    bool isFirst = true;
-    for (const double value : {rect.x(), rect.y(), rect.width(), rect.height()}) {
-        if (!isFirst)
-            json += ',';
-        isFirst = false;
-        appendNumber(json, value);
-    }
-    json += "]}";
-}
-
 } // namespace
+
+JsonPrinter::JsonPrinter(Output& output)
+    : m_writer([this](QByteArrayView piece) {
+        m_hasPartOfLine = true;
+        m_output.write(piece);
+    })
+    , m_output(output)
+{}
+
+void JsonPrinter::beginFile(const QString& name)
+{
+    m_file = name;
+    m_writer.restart();
+    if (m_hasPartOfLine)
+        m_output.write("\n");
+    m_hasPartOfLine = false;
+}
 
 void JsonPrinter::openObject()
 {
-    m_output.write("{");
-    m_isFirstMember = true;
-    if (m_file)
-        writeMember("file", toJson(*m_file));
+    m_writer.beginObject();
+    if (m_file) {
+        m_writer.key("file");
+        m_writer.text(*m_file);
+    }
 }
 
-void JsonPrinter::writeKey(const char* key)
+void JsonPrinter::closeObject()
 {
-    if (!m_isFirstMember)
-        m_output.write(",");
-    m_isFirstMember = false;
-    m_output.write(toJsonText(Json(key)));
-    m_output.write(":");
+    m_writer.endObject();
+    endLine();
 }
 
-void JsonPrinter::writeMember(const char* key, const Json& value)
+void JsonPrinter::endLine()
 {
-    writeKey(key);
-    m_output.write(toJsonText(value));
+    m_writer.flush();
+    m_output.write("\n");
+    m_hasPartOfLine = false;
 }
 
-void JsonPrinter::writeObject(const Json& object)
+void JsonPrinter::writeMembers(const Json& object)
 {
     openObject();
-    for (const auto& [key, value] : object.items())
-        writeMember(key.c_str(), value);
-    m_output.write("}\n");
+    for (const auto& [key, value] : object.items()) {
+        m_writer.key(key);
+        m_writer.value(value);
+    }
+    closeObject();
 }
 
 void JsonPrinter::writePage(const PageText& page)
 {
-    m_output.write("{");
-    m_isFirstMember = true;
-    writeMember("pageNumber", page.pageNumber);
-    writeMember("text", toJson(page.text));
-    writeMember("isOCR", page.isOCR);
-    writeKey("boundingBoxes");
+    m_writer.beginObject();
+    m_writer.key("pageNumber");
+    m_writer.integer(page.pageNumber);
+    m_writer.key("text");
+    m_writer.text(page.text);
+    m_writer.key("isOCR");
+    m_writer.boolean(page.isOCR);
+    m_writer.key("boundingBoxes");
     if (page.boundingBoxes) {
-        QByteArray boxes = "[";
+        m_writer.beginArray();
         for (const TextBoundingBox& box : *page.boundingBoxes) {
-            if (&box != &page.boundingBoxes->front())
-                boxes += ',';
-            appendBox(boxes, box);
-            if (boxes.size() > pieceSize) {
-                m_output.write(boxes);
-                boxes.clear();
-            }
+            m_writer.beginObject();
+            m_writer.key("text");
+            m_writer.text(box.text);
+            m_writer.key("rect");
+            m_writer.rect(box.rect);
+            m_writer.endObject();
         }
-        m_output.write(boxes + ']');
+        m_writer.endArray();
     } else {
-        m_output.write("null");
+        m_writer.null();
     }
-    m_output.write("}");
+    m_writer.endObject();
 }
 
 void JsonPrinter::printText(const PDFTextExtractor::Reading& reading)
 {
     openObject();
-    writeMember("totalPages", reading.totalPages);
-    writeKey("pageTexts");
-    m_output.write("[");
-    for (const PageText& page : reading.pageTexts) {
-        if (&page != &reading.pageTexts.front())
-            m_output.write(",");
+    m_writer.key("totalPages");
+    m_writer.integer(reading.totalPages);
+    m_writer.key("pageTexts");
+    m_writer.beginArray();
+    for (const PageText& page : reading.pageTexts)
         writePage(page);
-    }
-    m_output.write("]}\n");
+    m_writer.endArray();
+    closeObject();
 }
 
 void JsonPrinter::printClassification(const DocumentInsight& insight)
 {
-    writeObject(toJson(insight));
+    writeMembers(toJson(insight));
 }
 
 void JsonPrinter::writeItems(const PageTexts& pages)
 {
-    m_output.write("[");
-    bool isFirst = true;
+    m_writer.beginArray();
     for (const PageText& page : pages) {
-        for (const ExtractedItem& item : extractItems(page.text, page.pageNumber)) {
-            if (!isFirst)
-                m_output.write(",");
-            isFirst = false;
-            m_output.write(toJsonText(toJson(item)));
-        }
+        for (const ExtractedItem& item : extractItems(page.text, page.pageNumber))
+            write(m_writer, item);
     }
-    m_output.write("]");
+    m_writer.endArray();
 }
 
 void JsonPrinter::printItems(const PageTexts& pages)
 {
     if (!m_file) {
         writeItems(pages);
-        m_output.write("\n");
+        endLine();
         return;
     }
     openObject();
-    writeKey("items");
+    m_writer.key("items");
     writeItems(pages);
-    m_output.write("}\n");
+    closeObject();
 }
 
 void JsonPrinter::printActions(const DocumentInsight::ActionRequired& actions)
 {
-    writeObject(toJson(actions));
+    writeMembers(toJson(actions));
 }
 
 void JsonPrinter::printExplanation(const ExplanationResult& explanation)
 {
-    Json object = {
-        {"originalText", toJson(explanation.originalText)}, {"explanation", toJson(explanation.explanation)}};
-    if (explanation.simplified)
-        object["simplified"] = toJson(*explanation.simplified);
-    writeObject(object);
+    openObject();
+    m_writer.key("originalText");
+    m_writer.text(explanation.originalText);
+    m_writer.key("explanation");
+    m_writer.text(explanation.explanation);
+    if (explanation.simplified) {
+        m_writer.key("simplified");
+        m_writer.text(*explanation.simplified);
+    }
+    closeObject();
 }
 
 void JsonPrinter::printAnalysis(const DocumentInsight& insight, const PageTexts& pages)
@@ -184,14 +152,13 @@ void JsonPrinter::printAnalysis(const DocumentInsight& insight, const PageTexts&
     openObject();
     const Json object = toJson(insight);
     for (const auto& [key, value] : object.items()) {
-        if (key != itemsKey) {
-            writeMember(key.c_str(), value);
-            continue;
-        }
-        writeKey(itemsKey);
-        writeItems(pages);
+        m_writer.key(key);
+        if (key == itemsKey)
+            writeItems(pages);
+        else
+            m_writer.value(value);
     }
-    m_output.write("}\n");
+    closeObject();
 }
 
 } // namespace quillo::cli

@@ -3,7 +3,7 @@
 
 #include "cli/Output.h"
 #include "cli/Printer.h"
-#include "json/StrictJson.h"
+#include "json/JsonWriter.h"
 
 namespace quillo::cli {
 
@@ -12,14 +12,14 @@ namespace quillo::cli {
 class JsonPrinter : public Printer
 {
 public:
-    explicit JsonPrinter(Output& output)
-        : m_output(output)
-    {}
+    /// The output has to outlive the printer.
+    explicit JsonPrinter(Output& output);
 
-    void beginFile(const QString& name) override { m_file = name; }
+    /// Where the result before broke off in the middle, its line ends here and is no JSON.
+    void beginFile(const QString& name) override;
 
     /// {"totalPages", "pageTexts": [{"pageNumber", "text", "isOCR", "boundingBoxes": [{"text",
-    /// "rect": [x, y, width, height]}] or null}]}
+    /// "rect": [[x, y], [width, height]]}] or null}]}
     void printText(const PDFTextExtractor::Reading& reading) override;
     void printClassification(const DocumentInsight& insight) override;
     /// The array of the items; with several files it is the member "items" of the object.
@@ -30,18 +30,18 @@ public:
     void printAnalysis(const DocumentInsight& insight, const PageTexts& pages) override;
 
 private:
-    /// Writes the brace that opens an object, and the file where it has to be told.
+    /// Opens the object of an input, and tells the file where it has to be told.
     void openObject();
-    /// Writes a member's key, with the comma before it where it is not the first.
-    void writeKey(const char* key);
-    void writeMember(const char* key, const Json& value);
+    void closeObject();
+    void endLine();
+    void writeMembers(const Json& object);
     void writePage(const PageText& page);
     void writeItems(const PageTexts& pages);
-    void writeObject(const Json& object);
 
+    JsonWriter m_writer;
     Output& m_output;
     std::optional<QString> m_file;
-    bool m_isFirstMember = true;
+    bool m_hasPartOfLine = false;
 };
 
 } // namespace quillo::cli

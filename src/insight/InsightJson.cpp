@@ -14,11 +14,6 @@ Enum requireCase(std::optional<Enum> found, const char* key, const QString& name
     return *found;
 }
 
-Json toJson(const QRectF& rect)
-{
-    return Json::array({Json::array({rect.x(), rect.y()}), Json::array({rect.width(), rect.height()})});
-}
-
 double elementNumber(const Json& value, const char* key)
 {
     if (!value.is_number())
@@ -34,6 +29,62 @@ QRectF rectFromJson(const Json& value, const char* key)
     return QRectF(
         elementNumber(value[0][0], key), elementNumber(value[0][1], key), elementNumber(value[1][0], key),
         elementNumber(value[1][1], key));
+}
+
+/// Puts members into an object.
+struct ValueMembers
+{
+    Json& object;
+
+    void text(const char* key, const QString& value) const { object[key] = toJson(value); }
+    void number(const char* key, double value) const { object[key] = value; }
+    void integer(const char* key, std::int64_t value) const { object[key] = value; }
+    void rect(const char* key, const QRectF& value) const { object[key] = toJson(value); }
+};
+
+/// Writes members of the object that is open.
+struct WrittenMembers
+{
+    JsonWriter& writer;
+
+    void text(const char* key, const QString& value) const
+    {
+        writer.key(key);
+        writer.text(value);
+    }
+
+    void number(const char* key, double value) const
+    {
+        writer.key(key);
+        writer.number(value);
+    }
+
+    void integer(const char* key, std::int64_t value) const
+    {
+        writer.key(key);
+        writer.integer(value);
+    }
+
+    void rect(const char* key, const QRectF& value) const
+    {
+        writer.key(key);
+        writer.rect(value);
+    }
+};
+
+/// Hands the item's members to whatever makes JSON of them. A document may hold a million items, so they are
+/// also written without becoming values first.
+template <typename Members>
+void describe(const ExtractedItem& item, const Members& members)
+{
+    members.text("id", item.id.toString(QUuid::WithoutBraces).toUpper());
+    members.text("type", rawValue(item.type));
+    members.text("value", item.value);
+    members.number("confidence", item.confidence);
+    members.integer("pageNumber", item.pageNumber);
+    members.text("sourceSnippet", item.sourceSnippet);
+    if (item.boundingBox)
+        members.rect("boundingBox", *item.boundingBox);
 }
 
 } // namespace
@@ -63,15 +114,15 @@ Json toJson(const DocumentInsight::ActionRequired& actions)
 Json toJson(const ExtractedItem& item)
 {
     Json value = Json::object();
-    value["id"] = toJson(item.id.toString(QUuid::WithoutBraces).toUpper());
-    value["type"] = toJson(rawValue(item.type));
-    value["value"] = toJson(item.value);
-    value["confidence"] = item.confidence;
-    value["pageNumber"] = item.pageNumber;
-    value["sourceSnippet"] = toJson(item.sourceSnippet);
-    if (item.boundingBox)
-        value["boundingBox"] = toJson(*item.boundingBox);
+    describe(item, ValueMembers{value});
     return value;
+}
+
+void write(JsonWriter& writer, const ExtractedItem& item)
+{
+    writer.beginObject();
+    describe(item, WrittenMembers{writer});
+    writer.endObject();
 }
 
 Json toJson(const std::vector<ExtractedItem>& items)

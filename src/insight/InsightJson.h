@@ -16,6 +16,8 @@ Json toJson(const DocumentInsight& insight);
 Json toJson(const DocumentInsight::ActionRequired& actions);
 Json toJson(const DocumentInsight::ActionReason& reason);
 Json toJson(const ExtractedItem& item);
+/// Writes what toJson() gives.
+void write(JsonWriter& writer, const ExtractedItem& item);
 /// The array of the items.
 Json toJson(const std::vector<ExtractedItem>& items);
 

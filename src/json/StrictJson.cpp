@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "json/StrictJson.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <string>
-#include <string_view>
 
 namespace quillo {
 namespace {
@@ -33,55 +30,6 @@ QByteArray toBytes(const Json& value, const char* key)
     if (!decoded || text.toLatin1().size() % 4 != 0)
         fail(key, "base64 text is due");
     return *decoded;
-}
-
-void appendString(std::string& text, const Json& value)
-{
-    text += value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-// The library's own way to print a double is one digit too long for one in a few thousand.
-void appendDouble(std::string& text, double value)
-{
-    if (!std::isfinite(value)) {
-        text += "null";
-        return;
-    }
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    const std::string_view printed(digits.data(), static_cast<std::size_t>(end - digits.data()));
-    text += printed;
-    if (printed.find_first_of(".e") == std::string_view::npos)
-        text += ".0";
-}
-
-void appendJson(std::string& text, const Json& value)
-{
-    if (value.is_object()) {
-        char separator = '{';
-        for (const auto& [key, member] : value.items()) {
-            text += separator;
-            appendString(text, key);
-            text += ':';
-            appendJson(text, member);
-            separator = ',';
-        }
-        text += value.empty() ? "{}" : "}";
-    } else if (value.is_array()) {
-        char separator = '[';
-        for (const Json& element : value) {
-            text += separator;
-            appendJson(text, element);
-            separator = ',';
-        }
-        text += value.empty() ? "[]" : "]";
-    } else if (value.is_string()) {
-        appendString(text, value);
-    } else if (value.is_number_float()) {
-        appendDouble(text, value.get<double>());
-    } else {
-        text += value.dump();
-    }
 }
 
 QString withoutUnpairedSurrogates(QString text)
@@ -196,9 +144,11 @@ Json parseJson(const QByteArray& text)
 
 QByteArray toJsonText(const Json& value)
 {
-    std::string text;
-    appendJson(text, value);
-    return QByteArray::fromStdString(text);
+    QByteArray text;
+    JsonWriter writer([&text](QByteArrayView piece) { text += piece; });
+    writer.value(value);
+    writer.flush();
+    return text;
 }
 
 Json toJson(const QString& text)

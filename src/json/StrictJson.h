@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include "json/JsonWriter.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,8 +11,6 @@
 #include <stdexcept>
 
 namespace quillo {
-
-using Json = nlohmann::ordered_json;
 
 /// A JSON text that is not what its reader requires. what() names the offending key (UTF-8).
 class DecodingError : public std::runtime_error
@@ -56,8 +54,8 @@ private:
 /// Parses UTF-8 JSON text. Throws DecodingError when it is not JSON.
 Json parseJson(const QByteArray& text);
 
-/// Compact UTF-8 text, non-ASCII characters as they are, doubles in the shortest form that reads back to the
-/// same value. Bytes that are not UTF-8 become U+FFFD, so this never fails.
+/// The text that JsonWriter writes for the value. Bytes that are not UTF-8 become U+FFFD, so this never
+/// fails.
 QByteArray toJsonText(const Json& value);
 
 /// A JSON string holding the text; unpaired surrogates become U+FFFD.

@@ -59,11 +59,11 @@ TEST(TextCommandTest, PrintsJsonOfEveryPageWithBoxes)
     ASSERT_EQ(first.at("boundingBoxes").size(), 2U);
     const Json& box = first.at("boundingBoxes")[0];
     EXPECT_EQ(box.at("text"), "First");
-    ASSERT_EQ(box.at("rect").size(), 4U);
-    EXPECT_NEAR(box.at("rect")[0].get<double>(), 72, 1) << "x";
-    EXPECT_NEAR(box.at("rect")[1].get<double>(), 697, 4) << "y, from the foot of the page";
-    EXPECT_GT(box.at("rect")[2].get<double>(), 15) << "width";
-    EXPECT_GT(box.at("rect")[3].get<double>(), 5) << "height";
+    ASSERT_EQ(box.at("rect").size(), 2U) << "the corner and the size, as an item's bounding box has them";
+    EXPECT_NEAR(box.at("rect")[0].at(0).get<double>(), 72, 1) << "x";
+    EXPECT_NEAR(box.at("rect")[0].at(1).get<double>(), 697, 4) << "y, from the foot of the page";
+    EXPECT_GT(box.at("rect")[1].at(0).get<double>(), 15) << "width";
+    EXPECT_GT(box.at("rect")[1].at(1).get<double>(), 5) << "height";
 
     EXPECT_EQ(pages[1].at("text"), "");
     EXPECT_TRUE(pages[1].at("boundingBoxes").is_null());

@@ -90,6 +90,19 @@ TEST(InsightJsonTest, KeepsTheIdentityOfAnItem)
     EXPECT_EQ(extractedItemFromJson(toJson(item)).id, item.id);
 }
 
+TEST(InsightJsonTest, WritesAnItemAsItsValueIsWritten)
+{
+    QByteArray text;
+    JsonWriter writer([&text](QByteArrayView piece) { text += piece; });
+    for (const ExtractedItem& item : {sampleInsight().extractedItems.front(), ExtractedItem()}) {
+        text.clear();
+        writer.restart();
+        write(writer, item);
+        writer.flush();
+        EXPECT_EQ(text, toJsonText(toJson(item)));
+    }
+}
+
 TEST(InsightJsonTest, WritesOptionalMembersOnlyWhenPresent)
 {
     DocumentInsight::ActionReason reason;

@@ -110,9 +110,16 @@ TEST(StrictJsonTest, WritesDoublesInTheirShortestForm)
 {
     EXPECT_EQ(toJsonText(2.522923758208279e-228), "2.522923758208279e-228");
     EXPECT_EQ(toJsonText(-0.1), "-0.1");
-    EXPECT_EQ(toJsonText(3.0), "3.0");
     EXPECT_EQ(toJsonText(1e300), "1e+300");
     EXPECT_EQ(parseJson(toJsonText(5e-324)).get<double>(), 5e-324);
+}
+
+TEST(StrictJsonTest, WritesWholeNumbersWithoutAFraction)
+{
+    EXPECT_EQ(toJsonText(3.0), "3");
+    EXPECT_EQ(toJsonText(-978307200.0), "-978307200");
+    EXPECT_EQ(toJsonText(1e15), "1000000000000000");
+    EXPECT_EQ(toJsonText(3), "3");
 }
 
 TEST(StrictJsonTest, WritesNestedValuesCompactly)
