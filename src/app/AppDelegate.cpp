@@ -31,9 +31,10 @@ void AppDelegate::openDocument()
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setFileMode(QFileDialog::ExistingFile);
     panel->setNameFilter(tr("PDF documents (*.pdf *.PDF)"));
-    // Qt's own dialog tells the file only, the desktop's dialogs tell file and URL.
-    connect(panel, &QFileDialog::fileSelected, this, [](const QString& path) {
-        NotificationCenter::defaultCenter().post(Notifications::openPDFDocument, QUrl::fromLocalFile(path));
+    // Every dialog tells the file, but only the URL can name one whose bytes are no UTF-8.
+    connect(panel, &QFileDialog::fileSelected, this, [panel] {
+        NotificationCenter::defaultCenter().post(
+            Notifications::openPDFDocument, panel->selectedUrls().constFirst());
     });
     panel->open();
 }

@@ -6,6 +6,7 @@
 #include "controls/MenuButton.h"
 #include "controls/SymbolButton.h"
 #include "document/DocumentState.h"
+#include "pdf/FileName.h"
 #include "platform/Symbols.h"
 
 #include <QAction>
@@ -99,7 +100,7 @@ void InAppToolbar::followDocument()
     const auto& url = m_documentState->url();
     m_chip->setVisible(url.has_value());
     if (url)
-        m_chip->setFileName(url->fileName());
+        m_chip->setFileName(pdf::printableFileName(*url));
     m_closeDocument->setVisible(url.has_value());
 }
 

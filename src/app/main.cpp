@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/ContentView.h"
 #include "controls/AppStyle.h"
+#include "pdf/FileName.h"
 #include "platform/BundleInfo.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
@@ -13,10 +14,11 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QFileInfo>
 #include <QScreen>
 #include <QThread>
 #include <QUrl>
+
+#include <sys/stat.h>
 
 #include <chrono>
 #include <cstdio>
@@ -32,9 +34,9 @@ namespace {
 QString likelyFile(int argc, char** argv)
 {
     for (int i = 1; i < argc; ++i) {
-        const QFileInfo file(QString::fromLocal8Bit(argv[i]));
-        if (argv[i][0] != '-' && file.isFile())
-            return file.absoluteFilePath();
+        struct stat status = {};
+        if (argv[i][0] != '-' && ::stat(argv[i], &status) == 0 && S_ISREG(status.st_mode))
+            return pdf::absoluteFilePath(pdf::fileNameFromBytes(argv[i]));
     }
     return {};
 }
@@ -49,8 +51,13 @@ void beginEarly(const QString& path)
     DocumentOpening::beginEarly(path, isScaled ? scaleFactor : 1.0);
 }
 
-QString fileFromCommandLine(const QApplication& application)
+/// The file that the command line names; empty when there is none. The arguments are taken as bytes, because
+/// the application object's list has lost those that are no UTF-8. Qt's own options have to be gone already.
+QString fileFromCommandLine(int argc, char** argv)
 {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(pdf::fileNameFromBytes(argv[i]));
     QCommandLineParser parser;
     parser.setApplicationDescription(QApplication::translate("main", "Reads PDF documents."));
     parser.addHelpOption();
@@ -58,9 +65,9 @@ QString fileFromCommandLine(const QApplication& application)
     parser.addPositionalArgument(
         QStringLiteral("file"), QApplication::translate("main", "PDF document to open."),
         QStringLiteral("[file]"));
-    parser.process(application);
+    parser.process(arguments);
     const QStringList files = parser.positionalArguments();
-    return files.isEmpty() ? QString() : QFileInfo(files.first()).absoluteFilePath();
+    return files.isEmpty() ? QString() : pdf::absoluteFilePath(files.first());
 }
 
 } // namespace
@@ -76,7 +83,7 @@ int main(int argc, char** argv)
     QApplication::setApplicationName(QStringLiteral("Quillo"));
     QApplication::setApplicationVersion(*BundleInfo::informationValue(u"CFBundleShortVersionString"));
     QApplication::setDesktopFileName(QStringLiteral("quillo"));
-    const QString file = fileFromCommandLine(application);
+    const QString file = fileFromCommandLine(argc, argv);
 
     Theme::setCurrent(systemPrefersDark() ? Theme::dark() : Theme::light());
     QApplication::setPalette(Theme::current().palette());
@@ -88,7 +95,7 @@ int main(int argc, char** argv)
     QObject::connect(
         window.get(), &ContentView::openDocumentRequested, &delegate, &AppDelegate::openDocument);
     if (!file.isEmpty()) {
-        NotificationCenter::defaultCenter().post(Notifications::openPDFDocument, QUrl::fromLocalFile(file));
+        NotificationCenter::defaultCenter().post(Notifications::openPDFDocument, pdf::fileURL(file));
     }
     window->resize(window->sizeHint().boundedTo(QApplication::primaryScreen()->availableSize()));
     window->show();

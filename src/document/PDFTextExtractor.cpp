@@ -2,6 +2,7 @@
 #include "document/PDFTextExtractor.h"
 
 #include "document/DocumentPasswords.h"
+#include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
 
@@ -234,7 +235,7 @@ QFuture<void> PDFTextExtractor::extractText(const QUrl& url, DocumentState* docu
     QObject::connect(documentState, &QObject::destroyed, [cancellation] { cancellation.cancel(); });
     const auto done = std::make_shared<QPromise<void>>();
     done->start();
-    m_actor.run([path = url.toLocalFile(), state, cancellation, done] {
+    m_actor.run([path = pdf::filePath(url), state, cancellation, done] {
         auto reading = readDocument(path, std::nullopt, cancellation, [&](std::int64_t pageCount) {
             onMainThread([state, pageCount] {
                 if (state)

@@ -1,24 +1,29 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/FileReplacement.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFileInfo>
+#include "pdf/FileName.h"
+
 #include <QRandomGenerator>
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <fnmatch.h>
+#include <limits.h>
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace pdf {
 namespace {
 
 // The name does not contain the target's, which may be as long as a name can be.
 constexpr auto temporaryName = QLatin1String(".pdf-save-%1");
-constexpr auto temporaryPattern = QLatin1String(".pdf-save-????????????????");
+constexpr const char* temporaryPattern = ".pdf-save-????????????????";
 
 constexpr int longestLinkChain = 40;
 
@@ -46,10 +51,41 @@ PDFError describe(int error)
     }
 }
 
+/// The folder of a path from the root.
+QString folderOf(const QString& path)
+{
+    return path.left(std::max<qsizetype>(path.lastIndexOf(QLatin1Char('/')), 1));
+}
+
+QString joined(const QString& folder, const QString& name)
+{
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
+}
+
+/// What a symbolic link says; absent where the path is none.
+std::optional<QString> linkTarget(const QString& path)
+{
+    QByteArray target(PATH_MAX, Qt::Uninitialized);
+    const ssize_t size =
+        ::readlink(bytesOfFileName(path).constData(), target.data(), static_cast<std::size_t>(target.size()));
+    return size < 0 ? std::nullopt : std::optional(fileNameFromBytes(QByteArrayView(target).first(size)));
+}
+
+/// The folder's path without links in it, or as it is where there is no such folder.
+QString withoutLinks(const QString& folder)
+{
+    struct Free
+    {
+        void operator()(char* memory) const { std::free(memory); }
+    };
+    const std::unique_ptr<char, Free> path(::realpath(bytesOfFileName(folder).constData(), nullptr));
+    return path ? fileNameFromBytes(path.get()) : folder;
+}
+
 /// Flushes the folder's entries, so that the renaming survives a power failure.
 int syncFolder(const QString& folder)
 {
-    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int descriptor = ::open(bytesOfFileName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
         return errno;
     const int error = ::fsync(descriptor) == 0 ? 0 : errno;
@@ -62,16 +98,24 @@ int syncFolder(const QString& folder)
 /// locked.
 void removeAbandoned(const QString& folder)
 {
-    QDirIterator files(folder, {temporaryPattern}, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
-    while (files.hasNext()) {
-        const QByteArray path = QFile::encodeName(files.next());
-        const int descriptor = ::open(path.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    struct Close
+    {
+        void operator()(DIR* entries) const { ::closedir(entries); }
+    };
+    const std::unique_ptr<DIR, Close> entries(::opendir(bytesOfFileName(folder).constData()));
+    if (!entries)
+        return;
+    const int place = ::dirfd(entries.get());
+    while (const dirent* entry = ::readdir(entries.get())) {
+        if (::fnmatch(temporaryPattern, entry->d_name, 0) != 0)
+            continue;
+        const int descriptor = ::openat(place, entry->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
         if (descriptor < 0)
             continue;
         struct stat status = {};
-        if (::fstat(descriptor, &status) == 0 && status.st_uid == ::geteuid() &&
+        if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&
             ::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
-            ::unlink(path.constData());
+            ::unlinkat(place, entry->d_name, 0);
         ::close(descriptor);
     }
 }
@@ -80,20 +124,20 @@ void removeAbandoned(const QString& folder)
 
 QString FileReplacement::resolved(const QString& path)
 {
-    QFileInfo info(path);
+    QString place = absoluteFilePath(path);
     for (int i = 0; i < longestLinkChain; ++i) {
-        if (!info.isSymLink()) {
-            const QString folder = QFileInfo(info.absolutePath()).canonicalFilePath();
-            return QDir(folder.isEmpty() ? info.absolutePath() : folder).filePath(info.fileName());
-        }
-        info.setFile(info.symLinkTarget());
+        const QString folder = folderOf(place);
+        const auto target = linkTarget(place);
+        if (!target)
+            return joined(withoutLinks(folder), place.section(QLatin1Char('/'), -1));
+        place = target->startsWith(QLatin1Char('/')) ? *target : joined(folder, *target);
     }
     return {};
 }
 
 Result<std::unique_ptr<FileReplacement>> FileReplacement::begin(const QString& target)
 {
-    const QByteArray path = QFile::encodeName(target);
+    const QByteArray path = bytesOfFileName(target);
     std::optional<struct stat> replaced;
     struct stat status = {};
     if (::stat(path.constData(), &status) == 0) {
@@ -116,7 +160,7 @@ Result<std::unique_ptr<FileReplacement>> FileReplacement::begin(const QString& t
 
 FileReplacement::FileReplacement(const QString& target, const std::optional<struct stat>& replaced)
     : m_target(target)
-    , m_folder(QFileInfo(target).absolutePath())
+    , m_folder(folderOf(target))
     , m_replaced(replaced)
 {}
 
@@ -136,8 +180,7 @@ bool FileReplacement::create()
     for (;;) {
         const QString number =
             QStringLiteral("%1").arg(QRandomGenerator::system()->generate64(), 16, 16, QLatin1Char('0'));
-        const QByteArray path =
-            QFile::encodeName(QDir(m_folder).filePath(QString(temporaryName).arg(number)));
+        const QByteArray path = bytesOfFileName(joined(m_folder, QString(temporaryName).arg(number)));
         const int descriptor = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (descriptor < 0 && errno == EEXIST)
             continue;
@@ -207,7 +250,7 @@ std::optional<PDFError> FileReplacement::commit(const std::optional<FileIdentity
     const auto current = FileIdentity::of(m_target);
     if (expected && current && *current != *expected)
         return changedMeanwhile();
-    if (::rename(m_temporary.constData(), QFile::encodeName(m_target).constData()) != 0)
+    if (::rename(m_temporary.constData(), bytesOfFileName(m_target).constData()) != 0)
         return describe(errno);
     m_temporary.clear();
 

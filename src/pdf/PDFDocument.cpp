@@ -4,6 +4,7 @@
 #include "pdf/DocumentWriter.h"
 #include "pdf/Engine.h"
 #include "pdf/FieldTree.h"
+#include "pdf/FileName.h"
 #include "pdf/FileStream.h"
 #include "pdf/FormWriter.h"
 #include "pdf/Handles.h"
@@ -100,7 +101,7 @@ std::shared_ptr<PDFDocument> PDFDocument::openAgain(const Cancellation& cancella
 
 QUrl PDFDocument::documentURL() const
 {
-    return QUrl::fromLocalFile(m_handle->path);
+    return fileURL(m_handle->path);
 }
 
 bool PDFDocument::isLocked() const

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/SourceFile.h"
 
+#include "pdf/FileName.h"
 #include "pdf/Limits.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QTemporaryFile>
 #include <QThreadPool>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -26,6 +28,15 @@ constexpr std::size_t chunkSize = std::size_t{1} << 20;
 PDFError unreadable(const QString& message)
 {
     return {PDFError::Code::unreadable, message};
+}
+
+/// Why a file cannot be opened, as errno tells.
+PDFError openingError()
+{
+    if (errno == ENOENT || errno == ENOTDIR)
+        return unreadable(QStringLiteral("the file does not exist"));
+    return unreadable(
+        QStringLiteral("the file cannot be read: ") + QString::fromLocal8Bit(std::strerror(errno)));
 }
 
 qint64 readAt(int descriptor, qint64 offset, char* buffer, qint64 length)
@@ -47,7 +58,7 @@ FileIdentity FileIdentity::of(const struct stat& status)
 std::optional<FileIdentity> FileIdentity::of(const QString& path)
 {
     struct stat status = {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+    if (::stat(bytesOfFileName(path).constData(), &status) != 0)
         return std::nullopt;
     return of(status);
 }
@@ -60,18 +71,25 @@ bool FileIdentity::operator==(const FileIdentity& other) const
 
 Result<std::shared_ptr<SourceFile>> SourceFile::open(const QString& path)
 {
-    const QFileInfo info(path);
-    if (!info.exists())
+    const QByteArray name = bytesOfFileName(path);
+    // To the system a name ends at its first zero byte, and what is before it may be another file.
+    if (name.isEmpty() || name.contains('\0'))
         return unreadable(QStringLiteral("the file does not exist"));
-    if (info.isDir())
-        return unreadable(QStringLiteral("this is a folder"));
-    // Reading from a pipe or a device might never end.
-    if (!info.isFile())
-        return unreadable(QStringLiteral("this is not a regular file"));
-    auto file = std::make_unique<QFile>(path);
     struct stat status = {};
-    if (!file->open(QIODevice::ReadOnly | QIODevice::Unbuffered) || ::fstat(file->handle(), &status) != 0)
-        return unreadable(QStringLiteral("the file cannot be read"));
+    if (::stat(name.constData(), &status) != 0)
+        return openingError();
+    if (S_ISDIR(status.st_mode))
+        return unreadable(QStringLiteral("this is a folder"));
+    // Reading from a pipe or a device might never end, and opening one might wait for another program.
+    if (!S_ISREG(status.st_mode))
+        return unreadable(QStringLiteral("this is not a regular file"));
+    const int descriptor = ::open(name.constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        return openingError();
+    auto file = std::make_unique<QFile>();
+    if (!file->open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle) ||
+        ::fstat(descriptor, &status) != 0)
+        return openingError();
     if (status.st_size == 0)
         return PDFError{PDFError::Code::notPDF, QStringLiteral("the file is empty")};
     return std::shared_ptr<SourceFile>(new SourceFile(std::move(file), FileIdentity::of(status)));

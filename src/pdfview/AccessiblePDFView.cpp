@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/AccessiblePDFView.h"
 
+#include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/TextLayer.h"
 #include "pdfview/LinkFollower.h"
@@ -45,7 +46,7 @@ QString AccessiblePDFView::text(QAccessible::Text kind) const
 {
     const auto& document = m_view.document();
     if (kind == QAccessible::Name && document)
-        return document->documentURL().fileName();
+        return printableFileName(document->documentURL());
     if (kind == QAccessible::Description && m_view.linkFollower().hasKeyboard())
         return PDFView::tr("Link: %1").arg(m_view.linkFollower().currentHint().text);
     if (kind == QAccessible::Description && m_view.currentPageIndex() >= 0)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "printing/PrintOperation.h"
 
+#include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "printing/PrintDialog.h"
 #include "printing/PrintJob.h"
@@ -23,7 +24,7 @@ constexpr std::size_t namedPages = 10;
 
 QString titleOf(const pdf::PDFDocument& document)
 {
-    return document.documentURL().fileName();
+    return pdf::printableFileName(document.documentURL());
 }
 
 QString suggestedFile(const pdf::PDFDocument& document)

@@ -2,9 +2,8 @@
 #include "viewer/DocumentOpener.h"
 
 #include "document/DocumentPasswords.h"
+#include "pdf/FileName.h"
 #include "viewer/PasswordDialog.h"
-
-#include <QFileInfo>
 
 namespace quillo {
 
@@ -67,7 +66,8 @@ void DocumentOpener::finish(
 
 void DocumentOpener::askForPassword(bool isRepeated)
 {
-    m_dialog = new PasswordDialog(QFileInfo(m_path).fileName(), isRepeated, m_dialogParent->window());
+    const QString name = pdf::printableFileName(pdf::fileURL(m_path));
+    m_dialog = new PasswordDialog(name, isRepeated, m_dialogParent->window());
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(m_dialog, &QDialog::accepted, this, [this] { begin(m_dialog->password()); });
     connect(m_dialog, &QDialog::rejected, this, &DocumentOpener::failed);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "viewer/InteractivePDFKitView.h"
 
+#include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "pdfview/PDFView.h"
 #include "viewer/DocumentOpener.h"
@@ -53,7 +54,7 @@ void InteractivePDFKitView::update(const std::optional<QUrl>& url, double zoomLe
     if (showsWantedDocument())
         resolveLater();
     else
-        m_opener->open(url->toLocalFile(), zoomLevel * m_pdfView->devicePixelRatioF());
+        m_opener->open(pdf::filePath(*url), zoomLevel * m_pdfView->devicePixelRatioF());
 }
 
 void InteractivePDFKitView::showDocument(const pdf::ShownDocument& shown)

@@ -3,6 +3,7 @@
 
 #include "app/WindowFixture.h"
 #include "document/DocumentState.h"
+#include "pdf/FileName.h"
 #include "pdf/PDFDocument.h"
 #include "pdfview/PDFView.h"
 #include "pdfview/RenderThreads.h"
@@ -19,6 +20,8 @@
 #include <QMimeData>
 #include <QTest>
 #include <QWheelEvent>
+
+#include <cstdio>
 
 namespace quillo {
 namespace {
@@ -72,6 +75,20 @@ TEST_F(ContentViewTest, OpensWhatTheNotificationNames)
     EXPECT_EQ(state().pageTexts()->at(2).text, QStringLiteral("Page 3\n"));
     ASSERT_TRUE(view());
     EXPECT_EQ(view()->pageCount(), 3);
+}
+
+TEST_F(ContentViewTest, OpensAFileWhoseNameIsNoUtf8)
+{
+    show();
+    const QByteArray path = pdf::filePath(documentOf(3)).toUtf8();
+    const QByteArray name = "caf\xe9.pdf";
+    const QByteArray renamed = path.first(path.lastIndexOf('/') + 1) + name;
+    ASSERT_EQ(std::rename(path.constData(), renamed.constData()), 0);
+    post(QUrl::fromEncoded("file://" + renamed.toPercentEncoding("/")));
+    EXPECT_TRUE(labelBecomes(pageLabel, QStringLiteral("1 / 3")));
+    ASSERT_TRUE(hasText());
+    EXPECT_EQ(state().pageTexts()->size(), 3U);
+    EXPECT_EQ(std::remove(renamed.constData()), 0);
 }
 
 TEST_F(ContentViewTest, IgnoresNotificationsWithoutAURL)

@@ -3,8 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+#include <filesystem>
 
 namespace quillo {
 namespace {
@@ -42,6 +49,16 @@ protected:
             m_output += m_process.readAllStandardOutput();
         }
         return true;
+    }
+
+    /// True while the program has a file open whose name ends like this.
+    bool holdsFileOf(const QString& ending) const
+    {
+        const QDir descriptors(QStringLiteral("/proc/%1/fd").arg(m_process.processId()));
+        const QFileInfoList entries = descriptors.entryInfoList(QDir::AllEntries | QDir::System);
+        return std::any_of(entries.begin(), entries.end(), [&](const QFileInfo& entry) {
+            return entry.symLinkTarget().endsWith(ending);
+        });
     }
 
     QTemporaryDir m_settings;
@@ -85,6 +102,34 @@ TEST_F(ProgramTest, StaysOpenWhenTheFileIsMissing)
     start({QStringLiteral("/no such folder/missing.pdf")});
     EXPECT_TRUE(prints("Failed to load PDF document\n"));
     EXPECT_EQ(m_process.state(), QProcess::Running);
+}
+
+TEST_F(ProgramTest, OpensFilesWhoseNamesMeanNothingToQt)
+{
+    const TestFolder folder;
+    PDFWriter writer;
+    writer.addPage({});
+    m_process.setWorkingDirectory(folder.path(QString()));
+    // The folder cannot remove what Qt cannot name.
+    const auto removeAll = qScopeGuard([&] {
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path(QString()).toStdString()))
+            std::filesystem::remove(entry);
+    });
+    // As the shell writes them: a byte that is no UTF-8, and a colon at the start.
+    for (const QByteArray& name : {QByteArray("caf\\351.pdf"), QByteArray(":colon.pdf")}) {
+        folder.write(QStringLiteral("plain.pdf"), writer.bytes());
+        m_process.start(
+            QStringLiteral("sh"), {QStringLiteral("-c"),
+                                   QStringLiteral("name=$(printf '%1'); mv plain.pdf \"$name\"; "
+                                                  "exec \"$0\" \"$name\"")
+                                       .arg(QString::fromLatin1(name)),
+                                   QStringLiteral(QUILLO_PROGRAM)});
+        ASSERT_TRUE(m_process.waitForStarted());
+        EXPECT_TRUE(QTest::qWaitFor([this] { return holdsFileOf(QStringLiteral(".pdf")); }, 20000))
+            << name.toStdString();
+        m_process.kill();
+        ASSERT_TRUE(m_process.waitForFinished());
+    }
 }
 
 TEST_F(ProgramTest, ReadsAFileFromItsOwnFolder)
