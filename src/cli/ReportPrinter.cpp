@@ -131,9 +131,11 @@ void ReportPrinter::printItem(const ExtractedItem& item, int valueWidth)
 void ReportPrinter::printPageItems(const PageText& page, const std::vector<ExtractedItem>& items)
 {
     int valueWidth = minimumValueWidth;
-    for (const ExtractedItem& item : items)
-        valueWidth = std::max(valueWidth, displayWidth(safeLine(item.value)));
-    valueWidth = std::min(valueWidth, maximumValueWidth);
+    for (const ExtractedItem& item : items) {
+        valueWidth = std::clamp(displayWidth(safeLine(item.value)), valueWidth, maximumValueWidth);
+        if (valueWidth == maximumValueWidth)
+            break;
+    }
     printHeading(tr("Page %1").arg(page.pageNumber + 1));
     for (const ExtractedItem& item : items)
         printItem(item, valueWidth);

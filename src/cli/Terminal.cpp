@@ -54,9 +54,19 @@ Terminal Terminal::ofStandardOutput()
 
 QString Terminal::styled(QStringView text, Style style) const
 {
-    if (!hasColours || style == Style::plain || text.isEmpty())
-        return text.toString();
-    return sequence(style) + text.toString() + QLatin1String("\x1b[0m");
+    QString result;
+    appendStyled(result, text, style);
+    return result;
+}
+
+void Terminal::appendStyled(QString& result, QStringView text, Style style) const
+{
+    const bool isStyled = hasColours && style != Style::plain && !text.isEmpty();
+    if (isStyled)
+        result += sequence(style);
+    result += text;
+    if (isStyled)
+        result += QLatin1String("\x1b[0m");
 }
 
 } // namespace quillo::cli

@@ -23,6 +23,8 @@ struct Terminal
 
     /// The text between the sequences that turn the style on and off, or as it is without colours.
     QString styled(QStringView text, Style style) const;
+    /// Appends the same to a text.
+    void appendStyled(QString& result, QStringView text, Style style) const;
 };
 
 } // namespace quillo::cli

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "cli/TextLayout.h"
 
+#include <QStringTokenizer>
 #include <QTextBoundaryFinder>
 
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace quillo::cli {
 namespace {
@@ -24,10 +26,23 @@ int characterWidth(char32_t point)
     return kind == U_EA_WIDE || kind == U_EA_FULLWIDTH ? 2 : 1;
 }
 
+/// Nothing below U+0300 combines or is wide, and most text is made of nothing else.
+bool isSimple(QStringView text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar unit) {
+        return unit.unicode() >= 0x20 && unit.unicode() < 0x300;
+    });
+}
+
 /// Calls `use` with every user-perceived character and its width, which is that of its first visible part.
 template <typename Use>
 void forEachCharacter(QStringView text, Use&& use)
 {
+    if (isSimple(text)) {
+        for (qsizetype i = 0; i < text.size(); ++i)
+            use(text.sliced(i, 1), 1);
+        return;
+    }
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text.data(), text.size());
     qsizetype start = 0;
     for (qsizetype end = finder.toNextBoundary(); end > start; end = finder.toNextBoundary()) {
@@ -40,7 +55,14 @@ void forEachCharacter(QStringView text, Use&& use)
     }
 }
 
-/// Builds lines word by word.
+/// A line and the columns that it takes.
+struct Line
+{
+    QStringView text;
+    int width = 0;
+};
+
+/// Cuts text into lines without copying any of it.
 class Lines
 {
 public:
@@ -48,51 +70,109 @@ public:
         : m_width(width)
     {}
 
+    /// There is one space between two words of the text and none at its ends.
+    void add(QStringView paragraph)
+    {
+        m_lines.push_back({paragraph.first(0), 0});
+        for (const QStringView word : QStringTokenizer(paragraph, u' ', Qt::SkipEmptyParts))
+            addWord(word);
+    }
+
+    std::vector<Line> take() { return std::move(m_lines); }
+
+private:
     void addWord(QStringView word)
     {
         const int wordWidth = displayWidth(word);
-        const int gap = m_lineWidth > 0 ? 1 : 0;
-        if (gap > 0 && m_lineWidth + gap + wordWidth > m_width)
-            newLine();
-        else if (gap > 0)
-            append(QStringLiteral(" "), 1);
-        if (wordWidth <= m_width)
-            append(word, wordWidth);
+        const bool isFirst = m_lines.back().text.isEmpty();
+        if (isFirst || m_lines.back().width + 1 + wordWidth > m_width)
+            beginLine(word, isFirst);
         else
-            forEachCharacter(word, [this](QStringView character, int width) {
-                if (m_lineWidth > 0 && m_lineWidth + width > m_width)
-                    newLine();
-                append(character, width);
-            });
+            ++m_lines.back().width;
+        if (wordWidth <= m_width) {
+            extend(word, wordWidth);
+            return;
+        }
+        forEachCharacter(word, [this](QStringView character, int width) {
+            if (m_lines.back().width > 0 && m_lines.back().width + width > m_width)
+                beginLine(character, false);
+            extend(character, width);
+        });
     }
 
-    void newLine()
+    /// The line begins where the text does.
+    void beginLine(QStringView text, bool replacesLast)
     {
-        m_lines.append(QString());
-        m_lineWidth = 0;
+        if (replacesLast)
+            m_lines.pop_back();
+        m_lines.push_back({text.first(0), 0});
     }
 
-    QStringList take() { return std::move(m_lines); }
-
-private:
-    void append(QStringView text, int width)
+    /// Lets the line reach to the end of the text.
+    void extend(QStringView text, int width)
     {
-        m_lines.back() += text;
-        m_lineWidth += width;
+        Line& line = m_lines.back();
+        line.text = QStringView(line.text.begin(), text.end());
+        line.width += width;
     }
 
     const int m_width;
-    QStringList m_lines = {QString()};
-    int m_lineWidth = 0;
+    std::vector<Line> m_lines;
+};
+
+/// True where every line of the text has one space between two words and none at its ends.
+bool isTidy(QStringView text)
+{
+    QChar last = QLatin1Char('\n');
+    for (const QChar character : text) {
+        const bool isBreak = character == QLatin1Char(' ') || character == QLatin1Char('\n');
+        if (isBreak &&
+            (last == QLatin1Char(' ') || (character == QLatin1Char(' ') && last == QLatin1Char('\n'))))
+            return false;
+        last = character;
+    }
+    return last != QLatin1Char(' ');
+}
+
+QString tidied(QStringView text)
+{
+    QString result;
+    for (const QStringView paragraph : QStringTokenizer(text, u'\n')) {
+        for (const QStringView word : QStringTokenizer(paragraph, u' ', Qt::SkipEmptyParts))
+            result.append(word).append(QLatin1Char(' '));
+        if (result.endsWith(QLatin1Char(' ')))
+            result.chop(1);
+        result += QLatin1Char('\n');
+    }
+    result.chop(1);
+    return result;
+}
+
+std::vector<Line> linesOf(QStringView tidyText, int width)
+{
+    Lines lines(width);
+    for (const QStringView paragraph : QStringTokenizer(tidyText, u'\n'))
+        lines.add(paragraph);
+    return lines.take();
+}
+
+/// A cell's text and its lines, which are parts of it.
+struct Column
+{
+    explicit Column(const Cell& cell)
+        : text(isTidy(cell.text) ? cell.text : tidied(cell.text))
+        , lines(linesOf(text, std::max(cell.width, 1)))
+    {}
+
+    const QString text;
+    const std::vector<Line> lines;
 };
 
 } // namespace
 
 int displayWidth(QStringView text)
 {
-    // Nothing below U+0300 combines or is wide, and most text is made of nothing else.
-    const auto isSimple = [](QChar unit) { return unit.unicode() >= 0x20 && unit.unicode() < 0x300; };
-    if (std::all_of(text.begin(), text.end(), isSimple))
+    if (isSimple(text))
         return static_cast<int>(text.size());
     int sum = 0;
     forEachCharacter(text, [&sum](QStringView, int width) { sum += width; });
@@ -101,38 +181,34 @@ int displayWidth(QStringView text)
 
 QStringList wrapped(QStringView text, int width)
 {
-    Lines lines(width);
-    bool isFirst = true;
-    for (const QStringView paragraph : text.split(u'\n')) {
-        if (!isFirst)
-            lines.newLine();
-        isFirst = false;
-        for (const QStringView word : paragraph.split(u' ', Qt::SkipEmptyParts))
-            lines.addWord(word);
-    }
-    return lines.take();
+    const Column column({text.toString(), Style::plain, width});
+    QStringList result;
+    for (const Line& line : column.lines)
+        result.append(line.text.toString());
+    return result;
 }
 
 QString row(const std::vector<Cell>& cells, const Terminal& terminal, int indent)
 {
-    std::vector<QStringList> columns;
-    qsizetype height = 0;
-    for (const Cell& cell : cells) {
-        columns.push_back(wrapped(cell.text, std::max(cell.width, 1)));
-        height = std::max(height, columns.back().size());
-    }
+    std::vector<Column> columns;
+    columns.reserve(cells.size());
+    std::size_t height = 0;
+    for (const Cell& cell : cells)
+        height = std::max(height, columns.emplace_back(cell).lines.size());
 
     QString result;
-    for (qsizetype line = 0; line < height; ++line) {
+    for (std::size_t number = 0; number < height; ++number) {
         // Spaces are owed until something follows them.
         int owed = indent;
         for (std::size_t i = 0; i < cells.size(); ++i) {
-            const QString text = columns[i].value(line);
-            if (!text.isEmpty()) {
-                result += QString(owed, QLatin1Char(' ')) + terminal.styled(text, cells[i].style);
+            const auto& lines = columns[i].lines;
+            const Line line = number < lines.size() ? lines[number] : Line();
+            if (!line.text.isEmpty()) {
+                result.resize(result.size() + owed, QLatin1Char(' '));
+                terminal.appendStyled(result, line.text, cells[i].style);
                 owed = 0;
             }
-            owed += cells[i].width - displayWidth(text) + cellGap;
+            owed += cells[i].width - line.width + cellGap;
         }
         result += QLatin1Char('\n');
     }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "document/PageText.h"
 
+#include "insight/Identity.h"
+
 #include <utility>
 
 namespace quillo {
@@ -8,7 +10,7 @@ namespace quillo {
 PageText::PageText(
     std::int64_t pageNumberValue, QString textValue, bool isOCRValue,
     std::optional<std::vector<TextBoundingBox>> boxes)
-    : id(QUuid::createUuid())
+    : id(freshIdentity())
     , pageNumber(pageNumberValue)
     , text(std::move(textValue))
     , isOCR(isOCRValue)

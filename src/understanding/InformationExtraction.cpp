@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "understanding/InformationExtraction.h"
 
+#include "insight/Identity.h"
 #include "understanding/AddressScanner.h"
 #include "understanding/AmountScanner.h"
 #include "understanding/DateScanner.h"
@@ -8,12 +9,7 @@
 #include "understanding/PhoneScanner.h"
 #include "understanding/ReferenceScanner.h"
 
-#include <QRandomGenerator>
-#include <QUuid>
-
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <iterator>
 #include <optional>
 
@@ -37,19 +33,6 @@ constexpr Kind phones{ItemType::phone, 0.85};
 constexpr Kind addresses{ItemType::address, 0.7};
 
 constexpr qsizetype snippetContext = 50;
-
-/// A random UUID as QUuid makes them, but from the process's own generator: the system's, which QUuid asks
-/// each time, takes longer than all else about an item.
-QUuid freshIdentity()
-{
-    std::array<quint32, 4> words;
-    QRandomGenerator::global()->fillRange(words.data(), words.size());
-    auto bytes = std::bit_cast<std::array<char, 16>>(words);
-    // Version 4, variant 1, as RFC 4122 places them.
-    bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40);
-    bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
-    return QUuid::fromRfc4122(QByteArrayView(bytes.data(), bytes.size()));
-}
 
 template <typename Scanner>
 std::size_t matchCount(const Scanner& scanner)
