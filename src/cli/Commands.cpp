@@ -4,6 +4,7 @@
 #include "cli/InputReader.h"
 #include "cli/JsonPrinter.h"
 #include "cli/MemoryLimit.h"
+#include "cli/PasswordFile.h"
 #include "cli/ReportPrinter.h"
 #include "cli/SafeText.h"
 #include "understanding/ActionDetection.h"
@@ -17,6 +18,8 @@
 
 namespace quillo::cli {
 namespace {
+
+const QString standardInput = QStringLiteral("-");
 
 std::unique_ptr<Printer> makePrinter(const Options& options, Output& output)
 {
@@ -65,10 +68,11 @@ void report(Output& errors, const QString& name, const QString& reason)
 }
 
 /// The reason why there is no result, or none.
-std::optional<QString> runOnInput(const Input& input, const Options& options, Printer& printer)
+std::optional<QString> runOnInput(
+    const Input& input, const Options& options, const std::optional<QString>& password, Printer& printer)
 {
     try {
-        const auto reading = readInput(input, options.password);
+        const auto reading = readInput(input, password);
         if (!reading)
             return reading.error().message;
         if (options.inputs.size() > 1)
@@ -86,9 +90,10 @@ ExitStatus runCommand(const Options& options, Output& output, Output& errors)
 {
     const auto printer = makePrinter(options, output);
     if (options.inputs.empty()) {
-        const auto passage = options.passage ? pdf::Result<QString>(*options.passage) : readStandardInput();
+        const auto passage =
+            options.passage ? pdf::Result<QString>(*options.passage) : readPlainText(standardInput);
         if (!passage) {
-            report(errors, QStringLiteral("-"), passage.error().message);
+            report(errors, standardInput, passage.error().message);
             return ExitStatus::unreadableInput;
         }
         printer->printExplanation(explainText(*passage));
@@ -96,10 +101,20 @@ ExitStatus runCommand(const Options& options, Output& output, Output& errors)
         return ExitStatus::success;
     }
 
+    std::optional<QString> password = options.password;
+    if (options.passwordFile) {
+        const auto read = readPasswordFile(*options.passwordFile);
+        if (!read) {
+            report(errors, *options.passwordFile, read.error().message);
+            return ExitStatus::unreadableInput;
+        }
+        password = *read;
+    }
+
     ExitStatus status = ExitStatus::success;
     for (const Input& input : options.inputs) {
         nameInputForMemoryLimit(input.path);
-        const auto reason = runOnInput(input, options, *printer);
+        const auto reason = runOnInput(input, options, password, *printer);
         // What was printed comes before what is complained about next.
         output.flush();
         if (reason) {

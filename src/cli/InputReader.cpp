@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "cli/InputReader.h"
 
+#include "cli/InputFile.h"
+#include "cli/PasswordQuestion.h"
+#include "cli/SpooledInput.h"
 #include "pdf/Cancellation.h"
 
 #include <QCoreApplication>
-#include <QFile>
+#include <QStringConverter>
+#include <QStringTokenizer>
 
 #include <chrono>
-#include <cstdio>
+#include <utility>
 
 namespace quillo::cli {
 namespace {
@@ -18,59 +22,83 @@ constexpr std::chrono::milliseconds documentTime{8000};
 // The text and what is made of it take several times this in memory.
 constexpr qint64 maximumPlainBytes = qint64{128} << 20;
 
-pdf::PDFError unreadable(const QString& message)
+// Whatever a person would read; it is kept on disk and not in memory.
+constexpr qint64 maximumSpooledBytes = qint64{2} << 30;
+
+constexpr int maximumQuestions = 3;
+
+/// Text in UTF-8, or in what its byte order mark says it is. Whatever is no character becomes U+FFFD.
+QString decoded(QByteArrayView bytes)
 {
-    return {pdf::PDFError::Code::unreadable, message};
+    const auto marked = QStringConverter::encodingForData(bytes);
+    return QStringDecoder(marked.value_or(QStringConverter::Utf8), QStringDecoder::Flag::Stateless)
+        .decode(bytes);
 }
 
-pdf::Result<QString> readText(QFile& file)
+pdf::Result<PDFTextExtractor::Reading>
+readDocument(const QString& path, const std::optional<QString>& password)
 {
-    QByteArray bytes = file.read(maximumPlainBytes + 1);
-    if (file.error() != QFileDevice::NoError)
-        return unreadable(file.errorString());
-    if (bytes.size() > maximumPlainBytes)
-        return unreadable(QCoreApplication::translate("quillo::cli", "more than %1 MB of plain text")
-                              .arg(maximumPlainBytes >> 20));
-    // Whatever is not UTF-8 becomes U+FFFD here.
-    return QString::fromUtf8(bytes);
+    return PDFTextExtractor::readDocument(path, password, pdf::Cancellation::after(documentTime));
 }
 
-pdf::Result<QString> readPlainFile(const QString& path)
+/// Asks for a password where one is needed and none was given.
+pdf::Result<PDFTextExtractor::Reading>
+readUnlocked(const QString& path, const QString& name, const std::optional<QString>& password)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return unreadable(file.errorString());
-    return readText(file);
+    auto reading = readDocument(path, password);
+    for (int i = 0; i < maximumQuestions && !password && !reading; ++i) {
+        if (reading.error().code != pdf::PDFError::Code::passwordRequired)
+            break;
+        const auto answer = askForPassword(name, i > 0);
+        if (!answer)
+            break;
+        reading = readDocument(path, answer);
+    }
+    return reading;
 }
 
 } // namespace
 
-pdf::Result<QString> readStandardInput()
+pdf::Result<QString> readPlainText(const QString& path)
 {
-    QFile file;
-    if (!file.open(stdin, QIODevice::ReadOnly))
-        return unreadable(file.errorString());
-    return readText(file);
+    auto file = InputFile::open(path);
+    if (!file)
+        return file.error();
+    const auto bytes =
+        file->readAll(maximumPlainBytes, QCoreApplication::translate("quillo::cli", "plain text"));
+    if (!bytes)
+        return bytes.error();
+    return decoded(*bytes);
 }
 
 PageTexts pagesOfPlainText(const QString& text)
 {
     PageTexts pages;
-    for (const QStringView page : QStringView(text).split(u'\f'))
+    pages.reserve(static_cast<std::size_t>(text.count(QLatin1Char('\f'))) + 1);
+    for (const QStringView page : QStringTokenizer(text, u'\f'))
         pages.emplace_back(static_cast<std::int64_t>(pages.size()), page.toString(), false, std::nullopt);
     return pages;
 }
 
 pdf::Result<PDFTextExtractor::Reading> readInput(const Input& input, const std::optional<QString>& password)
 {
-    if (!input.isPlain)
-        return PDFTextExtractor::readDocument(input.path, password, pdf::Cancellation::after(documentTime));
-    const auto text = input.isStandardInput() ? readStandardInput() : readPlainFile(input.path);
-    if (!text)
-        return text.error();
-    PageTexts pages = pagesOfPlainText(*text);
-    const auto count = static_cast<std::int64_t>(pages.size());
-    return PDFTextExtractor::Reading{count, std::move(pages)};
+    if (input.isPlain) {
+        const auto text = readPlainText(input.path);
+        if (!text)
+            return text.error();
+        PageTexts pages = pagesOfPlainText(*text);
+        const auto count = static_cast<std::int64_t>(pages.size());
+        return PDFTextExtractor::Reading{count, std::move(pages)};
+    }
+    if (!input.isStandardInput())
+        return readUnlocked(input.path, input.path, password);
+    auto standardInput = InputFile::open(input.path);
+    if (!standardInput)
+        return standardInput.error();
+    const auto spooled = SpooledInput::read(*standardInput, maximumSpooledBytes);
+    if (!spooled)
+        return spooled.error();
+    return readUnlocked(spooled->path(), input.path, password);
 }
 
 } // namespace quillo::cli

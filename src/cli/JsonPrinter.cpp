@@ -2,6 +2,7 @@
 #include "cli/JsonPrinter.h"
 
 #include "insight/InsightJson.h"
+#include "pdf/FileName.h"
 #include "understanding/InformationExtraction.h"
 
 namespace quillo::cli {
@@ -21,7 +22,7 @@ JsonPrinter::JsonPrinter(Output& output)
 
 void JsonPrinter::beginFile(const QString& name)
 {
-    m_file = name;
+    m_file = pdf::printableFileName(name);
     m_writer.restart();
     if (m_hasPartOfLine)
         m_output.write("\n");

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "cli/Options.h"
 
+#include "pdf/FileName.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -9,6 +11,12 @@
 
 namespace quillo::cli {
 namespace {
+
+constexpr auto standardInput = QLatin1String("-");
+
+constexpr std::array<QLatin1String, 4> optionsWithValue = {
+    QLatin1String("--password"), QLatin1String("--password-file"), QLatin1String("--plain"),
+    QLatin1String("--text")};
 
 constexpr std::array<std::pair<QStringView, Command>, 6> commands = {{
     {u"text", Command::text},
@@ -26,6 +34,12 @@ std::optional<Command> commandNamed(QStringView name)
             return command;
     }
     return std::nullopt;
+}
+
+/// An argument that is text and no name; what is no UTF-8 in it becomes U+FFFD.
+QString textOf(const QString& argument)
+{
+    return QString::fromUtf8(pdf::bytesOfFileName(argument));
 }
 
 class Parser
@@ -53,7 +67,7 @@ public:
 private:
     void takeArgument(const QString& argument)
     {
-        if (m_onlyFiles || !argument.startsWith(QLatin1Char('-')))
+        if (m_onlyFiles || !argument.startsWith(QLatin1Char('-')) || argument == standardInput)
             takeWord(argument);
         else if (argument == QLatin1String("--"))
             m_onlyFiles = true;
@@ -80,9 +94,7 @@ private:
     {
         const qsizetype equals = argument.indexOf(QLatin1Char('='));
         const QString name = argument.left(equals);
-        const bool takesValue = name == QLatin1String("--password") || name == QLatin1String("--plain") ||
-                                name == QLatin1String("--text");
-        if (!takesValue) {
+        if (std::find(optionsWithValue.begin(), optionsWithValue.end(), name) == optionsWithValue.end()) {
             takeSwitch(argument);
             return;
         }
@@ -92,11 +104,13 @@ private:
         }
         const QString value = equals < 0 ? m_arguments[m_next++] : argument.mid(equals + 1);
         if (name == QLatin1String("--password"))
-            m_options.password = value;
+            m_options.password = textOf(value);
+        else if (name == QLatin1String("--password-file"))
+            m_options.passwordFile = value;
         else if (name == QLatin1String("--plain"))
             m_options.inputs.push_back({value, true});
         else
-            m_options.passage = value;
+            m_options.passage = textOf(value);
     }
 
     void takeSwitch(const QString& argument)
@@ -116,8 +130,10 @@ private:
     {
         const auto& inputs = m_options.inputs;
         const bool explains = m_options.command == Command::explain;
-        const auto standardInputs = std::count_if(
+        auto standardInputs = std::count_if(
             inputs.begin(), inputs.end(), [](const Input& input) { return input.isStandardInput(); });
+        standardInputs += m_options.passwordFile == standardInput ? 1 : 0;
+        standardInputs += explains && inputs.empty() && !m_options.passage ? 1 : 0;
         if (!m_hasCommand)
             return tr("a command is missing");
         if (inputs.empty() && !explains)
@@ -126,6 +142,8 @@ private:
             return tr("--text goes with explain only");
         if (m_options.passage && !inputs.empty())
             return tr("a file and --text do not go together");
+        if (m_options.password && m_options.passwordFile)
+            return tr("--password and --password-file do not go together");
         if (standardInputs > 1)
             return tr("standard input can be read only once");
         return std::nullopt;
@@ -165,14 +183,20 @@ QString helpText()
         "  analyze   classify, actions and extract in one\n"
         "\n"
         "options:\n"
-        "  --json         print JSON; with several files one object on a line for each, with its name as "
-        "\"file\"\n"
-        "  --password PW  the password of encrypted files\n"
-        "  --plain FILE   read UTF-8 text whose pages are separated by form feeds instead of a PDF;\n"
-        "                 - is standard input\n"
-        "  --text STRING  the passage to explain\n"
-        "  --help         print this\n"
-        "  --version      print the version\n"
+        "  --json                print JSON; with several files one object on a line for each, with its\n"
+        "                        name as \"file\", where bytes that are no UTF-8 are written as \\xE9\n"
+        "  --password-file FILE  the first line of FILE is the password of encrypted files\n"
+        "  --password PW         the same, given here, where everybody can see it who lists processes\n"
+        "  --plain FILE          read text whose pages are separated by form feeds instead of a PDF:\n"
+        "                        UTF-8, or UTF-16 with its byte order mark\n"
+        "  --text STRING         the passage to explain\n"
+        "  --help                print this\n"
+        "  --version             print the version\n"
+        "\n"
+        "A FILE that is - is standard input, which can be read once.\n"
+        "\n"
+        "Without a password you are asked for one on the terminal when a file needs it. That is the safest\n"
+        "way, and for programs --password-file is.\n"
         "\n"
         "The exit status is 0, 1 when some input cannot be read, and 2 when the arguments make no sense.\n");
 }

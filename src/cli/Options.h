@@ -15,12 +15,12 @@ enum class Command { text, classify, extract, actions, explain, analyze };
 /// Something to read.
 struct Input
 {
-    /// As it was given; "-" is standard input where plain text is read.
+    /// As it was given, with its bytes as pdf/FileName.h keeps them; "-" is standard input.
     QString path;
-    /// UTF-8 text whose pages are separated by form feeds, instead of a PDF.
+    /// Text whose pages are separated by form feeds, instead of a PDF.
     bool isPlain = false;
 
-    bool isStandardInput() const { return isPlain && path == QLatin1String("-"); }
+    bool isStandardInput() const { return path == QLatin1String("-"); }
 };
 
 /// What the user wants done.
@@ -34,6 +34,8 @@ struct Options
     bool json = false;
     /// Tried on every encrypted file.
     std::optional<QString> password;
+    /// The file that holds the password, instead; "-" is standard input.
+    std::optional<QString> passwordFile;
 };
 
 /// What the program tells of itself.

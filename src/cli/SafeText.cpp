@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "cli/SafeText.h"
 
+#include "pdf/FileName.h"
+
 namespace quillo::cli {
 namespace {
 
@@ -44,21 +46,26 @@ QString safeText(QStringView text)
 
 QString safeLine(QStringView text)
 {
-    QString result;
-    result.reserve(text.size());
+    QString result(text.size(), Qt::Uninitialized);
+    QChar* const begin = result.data();
+    QChar* end = begin;
     for (const QChar character : text) {
-        if (character.isSpace())
-            result += QLatin1Char(' ');
-        else
-            result += isControl(character.unicode()) ? picture(character.unicode()) : character;
+        const bool isAfterSpace = end == begin || end[-1] == QLatin1Char(' ');
+        if (!character.isSpace())
+            *end++ = isControl(character.unicode()) ? picture(character.unicode()) : character;
+        else if (!isAfterSpace)
+            *end++ = QLatin1Char(' ');
     }
-    return result.simplified();
+    if (end != begin && end[-1] == QLatin1Char(' '))
+        --end;
+    result.truncate(end - begin);
+    return result;
 }
 
-QString safeName(QStringView name)
+QString safeName(const QString& name)
 {
     QString result;
-    for (const QChar character : name)
+    for (const QChar character : pdf::printableFileName(name))
         result += isControl(character.unicode()) ? picture(character.unicode()) : character;
     return result;
 }

@@ -14,7 +14,8 @@ QString safeText(QStringView text);
 /// The same on one line: every run of white space is one space, and there is none at the ends.
 QString safeLine(QStringView text);
 
-/// A name (of a file, of an argument) as it is, but for what safeText() replaces and line feeds.
-QString safeName(QStringView name);
+/// A name (of a file, of an argument) as it is, but for what safeText() replaces and line feeds; bytes that
+/// are no UTF-8 are shown as \xE9.
+QString safeName(const QString& name);
 
 } // namespace quillo::cli

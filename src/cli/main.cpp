@@ -4,6 +4,7 @@
 #include "cli/Options.h"
 #include "cli/Output.h"
 #include "cli/SafeText.h"
+#include "pdf/FileName.h"
 #include "platform/BundleInfo.h"
 
 #include <QCoreApplication>
@@ -23,7 +24,7 @@ ExitStatus runArguments(const QStringList& arguments, Output& output, Output& er
     const auto parsed = parseArguments(arguments);
     if (const auto* const wrong = std::get_if<UsageError>(&parsed)) {
         errors.write(QCoreApplication::translate("quillo::cli", "quillo-cli: %1 (see quillo-cli --help)\n")
-                         .arg(safeLine(wrong->message)));
+                         .arg(safeLine(pdf::printableFileName(wrong->message))));
         return ExitStatus::wrongUsage;
     }
     if (const auto* const notice = std::get_if<Notice>(&parsed)) {
@@ -44,11 +45,13 @@ int main(int argc, char** argv)
 {
     // Whoever reads our output may stop when it has enough; the next write then fails instead of killing us.
     std::signal(SIGPIPE, SIG_IGN);
+    // A file that grows beyond what this process may write is reported like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
     limitMemory();
 
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
+        arguments.append(pdf::fileNameFromBytes(argv[i]));
     Output output(stdout);
     Output errors(stderr);
     try {

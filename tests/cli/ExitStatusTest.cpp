@@ -56,8 +56,8 @@ TEST(ExitStatusTest, HelpIsNoError)
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.errors, QByteArray());
     for (const char* word :
-         {"text", "classify", "extract", "actions", "explain", "analyze", "--json", "--password", "--plain",
-          "--text", "--version"})
+         {"text", "classify", "extract", "actions", "explain", "analyze", "--json", "--password",
+          "--password-file", "--plain", "--text", "--version"})
         EXPECT_THAT(run.output.toStdString(), HasSubstr(word));
 }
 

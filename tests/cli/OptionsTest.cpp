@@ -88,13 +88,30 @@ TEST(OptionsTest, NamesWhatIsWrong)
     EXPECT_EQ(complaintOf("text"), QStringLiteral("a file is missing"));
     EXPECT_EQ(complaintOf("text --fast a.pdf"), QStringLiteral("there is no option --fast"));
     EXPECT_EQ(complaintOf("text --json=yes a.pdf"), QStringLiteral("there is no option --json=yes"));
-    EXPECT_EQ(complaintOf("text -"), QStringLiteral("there is no option -"));
+    EXPECT_EQ(complaintOf("- text"), QStringLiteral("there is no command '-'"));
     EXPECT_EQ(complaintOf("text a.pdf --password"), QStringLiteral("--password needs a value"));
     EXPECT_EQ(complaintOf("text --plain"), QStringLiteral("--plain needs a value"));
     EXPECT_EQ(complaintOf("text --text=x a.pdf"), QStringLiteral("--text goes with explain only"));
     EXPECT_EQ(complaintOf("explain --text=x a.pdf"), QStringLiteral("a file and --text do not go together"));
     EXPECT_EQ(
         complaintOf("text --plain - --plain -"), QStringLiteral("standard input can be read only once"));
+    EXPECT_EQ(
+        complaintOf("text --password x --password-file y a.pdf"),
+        QStringLiteral("--password and --password-file do not go together"));
+    for (const char* line :
+         {"text - -", "text - --plain -", "text --password-file - -", "text --password-file - --plain -",
+          "explain --password-file -"})
+        EXPECT_EQ(complaintOf(line), QStringLiteral("standard input can be read only once")) << line;
+}
+
+TEST(OptionsTest, TakesADashForADocumentFromStandardInput)
+{
+    const Options options = optionsOf("text a.pdf - --password-file b");
+    ASSERT_EQ(options.inputs.size(), 2U);
+    EXPECT_FALSE(options.inputs[0].isStandardInput());
+    EXPECT_TRUE(options.inputs[1].isStandardInput());
+    EXPECT_FALSE(options.inputs[1].isPlain);
+    EXPECT_EQ(options.passwordFile, QStringLiteral("b"));
 }
 
 TEST(OptionsTest, TakesAnEmptyWordForNoCommand)

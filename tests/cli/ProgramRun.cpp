@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <fcntl.h>
@@ -13,10 +14,15 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
+#include <utmp.h>
 
+#include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdlib>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -167,4 +173,93 @@ QString sample(const char* name)
 QStringList words(const char* line)
 {
     return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+ProgramRun runShell(const char* script, const QStringList& arguments)
+{
+    QProcess shell;
+    shell.start(
+        QStringLiteral("sh"),
+        QStringList{QStringLiteral("-c"), QString::fromUtf8(script), QStringLiteral(QUILLO_CLI)} + arguments);
+    EXPECT_TRUE(shell.waitForFinished(60'000)) << script;
+    ProgramRun result;
+    if (shell.exitStatus() == QProcess::NormalExit)
+        result.status = shell.exitCode();
+    result.output = shell.readAllStandardOutput();
+    result.errors = shell.readAllStandardError();
+    return result;
+}
+
+TerminalSession::TerminalSession(const QStringList& arguments)
+{
+    StringArray argumentArray(QStringList(QStringLiteral(QUILLO_CLI)) + arguments);
+    StringArray environment(environmentWith(words("TERM=dumb")));
+    EXPECT_EQ(openpty(&m_terminal, &m_programsSide, nullptr, nullptr, nullptr), 0);
+    m_process = fork();
+    if (m_process != 0)
+        return;
+    // Nothing but system calls between fork and exec.
+    close(m_terminal);
+    if (login_tty(m_programsSide) == 0)
+        execve(QUILLO_CLI, argumentArray.data(), environment.data());
+    _exit(127);
+}
+
+TerminalSession::~TerminalSession()
+{
+    if (m_process > 0) {
+        kill(m_process, SIGKILL);
+        waitpid(m_process, nullptr, 0);
+    }
+    close(m_terminal);
+    close(m_programsSide);
+}
+
+bool TerminalSession::readMore()
+{
+    pollfd waiting = {m_terminal, POLLIN, 0};
+    std::array<char, 4096> buffer = {};
+    if (poll(&waiting, 1, 20'000) != 1)
+        return false;
+    const ssize_t count = read(m_terminal, buffer.data(), buffer.size());
+    m_shown.append(buffer.data(), std::max<ssize_t>(count, 0));
+    return count > 0;
+}
+
+bool TerminalSession::shows(const QByteArray& text, int times)
+{
+    while (m_shown.count(text) < times) {
+        if (!readMore())
+            return false;
+    }
+    return true;
+}
+
+void TerminalSession::type(const QByteArray& keys) const
+{
+    EXPECT_EQ(write(m_terminal, keys.constData(), static_cast<std::size_t>(keys.size())), keys.size());
+}
+
+bool TerminalSession::echoes() const
+{
+    termios setting = {};
+    EXPECT_EQ(tcgetattr(m_programsSide, &setting), 0);
+    return (setting.c_lflag & ECHO) != 0;
+}
+
+std::optional<int> TerminalSession::waitForEnd()
+{
+    if (!endsInTime(m_process, std::chrono::seconds(20)))
+        return std::nullopt;
+    int status = 0;
+    waitpid(std::exchange(m_process, -1), &status, 0);
+    pollfd waiting = {m_terminal, POLLIN, 0};
+    while (poll(&waiting, 1, 0) == 1 && readMore()) {
+    }
+    return status;
+}
+
+QByteArray TerminalSession::shown() const
+{
+    return QByteArray(m_shown).replace("\r\n", "\n");
 }

@@ -50,7 +50,7 @@ TEST(SafeTextTest, PutsTextOnOneLine)
 
 TEST(SafeTextTest, KeepsTheSpacesOfANameButNotItsLineFeeds)
 {
-    EXPECT_EQ(safeName(u"my  file\n\x1b.pdf"), QStringLiteral("my  file\u240a\u241b.pdf"));
+    EXPECT_EQ(safeName(QStringLiteral("my  file\n\x1b.pdf")), QStringLiteral("my  file\u240a\u241b.pdf"));
 }
 
 } // namespace
