@@ -51,7 +51,11 @@ QString safeLine(QStringView text)
     QChar* end = begin;
     for (const QChar character : text) {
         const bool isAfterSpace = end == begin || end[-1] == QLatin1Char(' ');
-        if (!character.isSpace())
+        // Most text is made of nothing else.
+        const bool isPrintableAscii = character.unicode() > u' ' && character.unicode() < 0x7F;
+        if (isPrintableAscii)
+            *end++ = character;
+        else if (!character.isSpace())
             *end++ = isControl(character.unicode()) ? picture(character.unicode()) : character;
         else if (!isAfterSpace)
             *end++ = QLatin1Char(' ');

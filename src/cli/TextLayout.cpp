@@ -66,9 +66,14 @@ struct Line
 class Lines
 {
 public:
-    explicit Lines(int width)
+    /// `areSimple` says that all characters of the text are, as isSimple() has it.
+    Lines(int width, bool areSimple)
         : m_width(width)
-    {}
+        , m_areSimple(areSimple)
+    {
+        // Most texts of a report need no more.
+        m_lines.reserve(2);
+    }
 
     /// There is one space between two words of the text and none at its ends.
     void add(QStringView paragraph)
@@ -83,7 +88,7 @@ public:
 private:
     void addWord(QStringView word)
     {
-        const int wordWidth = displayWidth(word);
+        const int wordWidth = m_areSimple ? static_cast<int>(word.size()) : displayWidth(word);
         const bool isFirst = m_lines.back().text.isEmpty();
         if (isFirst || m_lines.back().width + 1 + wordWidth > m_width)
             beginLine(word, isFirst);
@@ -117,6 +122,7 @@ private:
     }
 
     const int m_width;
+    const bool m_areSimple;
     std::vector<Line> m_lines;
 };
 
@@ -150,7 +156,16 @@ QString tidied(QStringView text)
 
 std::vector<Line> linesOf(QStringView tidyText, int width)
 {
-    Lines lines(width);
+    // A line feed is not simple.
+    if (isSimple(tidyText)) {
+        const int textWidth = static_cast<int>(tidyText.size());
+        if (textWidth <= width)
+            return {{tidyText, textWidth}};
+        Lines lines(width, true);
+        lines.add(tidyText);
+        return lines.take();
+    }
+    Lines lines(width, false);
     for (const QStringView paragraph : QStringTokenizer(tidyText, u'\n'))
         lines.add(paragraph);
     return lines.take();
@@ -197,6 +212,7 @@ QString row(const std::vector<Cell>& cells, const Terminal& terminal, int indent
         height = std::max(height, columns.emplace_back(cell).lines.size());
 
     QString result;
+    result.reserve(static_cast<qsizetype>(height) * terminal.width);
     for (std::size_t number = 0; number < height; ++number) {
         // Spaces are owed until something follows them.
         int owed = indent;
