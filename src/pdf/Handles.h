@@ -120,6 +120,10 @@ public:
 
     fz_display_list* list = nullptr;
     QSizeF displaySize;
+    /// What recording it has left in memory.
+    std::size_t bytes = 0;
+    /// Of the pictures that it shows.
+    std::int64_t samples = 0;
 };
 
 } // namespace pdf

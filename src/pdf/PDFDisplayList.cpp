@@ -15,6 +15,9 @@ namespace {
 // A pixel of 32 bits is the bytes blue, green, red, alpha here, which is MuPDF's BGR with alpha.
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
 
+// Samples of pictures that take some milliseconds to unpack.
+constexpr std::int64_t slowPictures = 500'000;
+
 struct Target
 {
     unsigned char* pixels;
@@ -62,6 +65,16 @@ PDFDisplayList::PDFDisplayList(std::shared_ptr<const DisplayListHandle> handle)
 QSizeF PDFDisplayList::displaySize() const
 {
     return m_handle->displaySize;
+}
+
+bool PDFDisplayList::hasPictures() const
+{
+    return m_handle->samples >= slowPictures;
+}
+
+std::size_t PDFDisplayList::bytes() const
+{
+    return m_handle->bytes;
 }
 
 Result<std::monostate>

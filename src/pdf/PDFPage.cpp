@@ -7,6 +7,7 @@
 #include "pdf/LinkReader.h"
 #include "pdf/MuPDFVersion.h"
 #include "pdf/PDFDocument.h"
+#include "pdf/PictureCount.h"
 #include "pdf/TextDevice.h"
 #include "pdf/TextLayer.h"
 
@@ -75,15 +76,18 @@ void runUndamaged(fz_context* ctx, pdf_page* page, RunFunction run, fz_device* d
 }
 
 /// Records what `run` draws. May throw as MuPDF does.
-fz_display_list* record(fz_context* ctx, PageHandle& handle, RunFunction run, fz_cookie* cookie)
+void record(
+    fz_context* ctx, PageHandle& handle, RunFunction run, DisplayListHandle& target, fz_cookie* cookie)
 {
     pdf_page* page = handle.loadContents(ctx);
+    const std::ptrdiff_t before = engine::memoryOfThread();
     fz_display_list* list = fz_new_display_list(ctx, handle.geometry().displayRect);
     fz_device* device = nullptr;
     fz_var(device);
     fz_try(ctx)
     {
         device = fz_new_list_device(ctx, list);
+        countPictures(device, target.samples);
         runUndamaged(ctx, page, run, device, cookie);
         fz_close_device(ctx, device);
     }
@@ -96,7 +100,8 @@ fz_display_list* record(fz_context* ctx, PageHandle& handle, RunFunction run, fz
         fz_drop_display_list(ctx, list);
         fz_rethrow(ctx);
     }
-    return list;
+    target.list = list;
+    target.bytes = static_cast<std::size_t>(std::max(engine::memoryOfThread() - before, std::ptrdiff_t{0}));
 }
 
 Result<std::shared_ptr<DisplayListHandle>>
@@ -108,8 +113,8 @@ recordList(PageHandle& handle, RunFunction run, const Cancellation& cancellation
     CookieScope scope(cancellation);
     // What could not be written waits for the next attempt; the rest is shown all the same.
     static_cast<void>(handle.document.annotations.flush(scope));
-    if (auto error = engine::attempt(
-            scope, [&](fz_context* ctx) { list->list = record(ctx, handle, run, scope.cookie()); }))
+    if (auto error =
+            engine::attempt(scope, [&](fz_context* ctx) { record(ctx, handle, run, *list, scope.cookie()); }))
         return *error;
     return list;
 }

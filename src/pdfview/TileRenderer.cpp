@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/TileRenderer.h"
 
+#include "pdf/Limits.h"
 #include "pdf/PDFDisplayList.h"
 #include "pdf/PDFDocument.h"
 #include "pdf/PDFPage.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <chrono>
 #include <list>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -26,9 +28,6 @@ constexpr std::chrono::seconds longestTime(60);
 // Pages whose display lists stay although none of their tiles is wanted.
 constexpr std::size_t keptPages = 6;
 
-// Of pictures without annotations of the pages whose annotations change.
-constexpr qsizetype keptContentBytes = 32 * 1024 * 1024;
-
 /// The drawing operations of a page. Without content when the page cannot be shown.
 struct PageContent
 {
@@ -38,6 +37,12 @@ struct PageContent
     std::optional<PDFDisplayList> content;
     std::optional<PDFDisplayList> annotations;
     bool hasCurrentAnnotations = true;
+
+    bool hasPictures() const { return content && content->hasPictures(); }
+    std::size_t bytes() const
+    {
+        return (content ? content->bytes() : 0) + (annotations ? annotations->bytes() : 0);
+    }
 };
 
 PageContent readPage(PDFDocument& document, int index, const Cancellation& cancellation)
@@ -145,6 +150,7 @@ public:
             return std::visit([](const auto& value) { return pageOf(value); }, result) == page;
         });
         std::erase_if(m_kept, [page](const Content& content) { return content->page == page; });
+        m_unpackedScales.erase(page);
         for (const Tile& tile : m_contentPictures.keys()) {
             if (tile.page == page)
                 m_contentPictures.remove(tile);
@@ -214,7 +220,7 @@ private:
         if (job.isAbandoned)
             return nullptr;
         if (!content->size.isEmpty())
-            report(PageSized{page, content->size, content->pageToDisplay});
+            report(PageSized{page, content->size, content->pageToDisplay, content->hasPictures()});
         if (!content->content) {
             report(PageFailed{page});
             return nullptr;
@@ -239,6 +245,8 @@ private:
             m_contentPictures.insert(tile, new QImage(contentPicture), contentPicture.sizeInBytes());
         if (job.isAbandoned)
             return;
+        if (isKept(tile.page))
+            m_unpackedScales[tile.page] = tile.scale;
         if (image.isNull())
             report(PageFailed{tile.page});
         else
@@ -249,10 +257,13 @@ private:
     static int pageOf(const TileDrawn& result) { return result.tile.page; }
     static int pageOf(const PageFailed& result) { return result.page; }
 
-    /// A tile may have been wanted when the page was thought to have another shape.
+    /// A tile may have been wanted when the page was thought to have another shape. The small picture of a
+    /// page with pictures would only keep the sharp one waiting.
     static bool exists(const Tile& tile, const PageContent& page)
     {
-        return tile.isWholePage() || !tileRect(tile, pixelSize(page.size, tile.scale)).isEmpty();
+        if (tile.isWholePage())
+            return !page.hasPictures();
+        return !tileRect(tile, pixelSize(page.size, tile.scale)).isEmpty();
     }
 
     // All below is to be called with the lock held.
@@ -283,7 +294,7 @@ private:
         const auto canBegin = [this](const Tile& tile) {
             const bool isRunning = std::any_of(
                 m_running.begin(), m_running.end(), [&](const Job& job) { return job.tile == tile; });
-            return !isRunning && (m_pageBeingRead < 0 || isKept(tile.page));
+            return !isRunning && (m_pageBeingRead < 0 || isKept(tile.page)) && !waitsForPictures(tile);
         };
         const auto place = std::find_if(m_wanted.begin(), m_wanted.end(), canBegin);
         if (place == m_wanted.end())
@@ -291,6 +302,22 @@ private:
         const Tile tile = *place;
         m_wanted.erase(place);
         return tile;
+    }
+
+    /// The first tile of a page at a scale unpacks the page's pictures for all of them. Another one that ran
+    /// beside it would do the same over again, while a tile of another page may use the time.
+    bool waitsForPictures(const Tile& tile) const
+    {
+        const auto content = std::find_if(
+            m_kept.begin(), m_kept.end(), [&](const Content& kept) { return kept->page == tile.page; });
+        if (content == m_kept.end() || !(*content)->hasPictures())
+            return false;
+        const auto unpacked = m_unpackedScales.find(tile.page);
+        if (unpacked != m_unpackedScales.end() && unpacked->second == tile.scale)
+            return false;
+        return std::any_of(m_running.begin(), m_running.end(), [&](const Job& job) {
+            return job.tile.page == tile.page && job.tile.scale == tile.scale && !job.isAbandoned;
+        });
     }
 
     bool isPageWanted(int page) const
@@ -321,11 +348,18 @@ private:
     {
         std::erase_if(m_kept, [&](const Content& old) { return old->page == content->page; });
         m_kept.push_front(content);
+        std::size_t bytes = 0;
+        for (const Content& old : m_kept)
+            bytes += old->bytes();
         auto place = m_kept.end();
-        while (m_kept.size() > keptPages && place != m_kept.begin()) {
+        while ((m_kept.size() > keptPages || bytes > limits::kept::displayLists) &&
+               place != std::next(m_kept.begin())) {
             --place;
-            if (!isPageWanted((*place)->page))
-                place = m_kept.erase(place);
+            if (isPageWanted((*place)->page))
+                continue;
+            bytes -= (*place)->bytes();
+            m_unpackedScales.erase((*place)->page);
+            place = m_kept.erase(place);
         }
     }
 
@@ -346,11 +380,13 @@ private:
     int m_pageBeingRead = -1;
     /// The last used one first.
     std::list<Content> m_kept;
+    /// Of these pages, the scale for which their pictures were unpacked last.
+    std::map<int, double> m_unpackedScales;
     std::vector<Result> m_results;
     /// Pages whose annotations have changed and may do so again.
     std::set<int> m_changingPages;
     /// Of the tiles of these pages, without annotations.
-    QCache<Tile, QImage> m_contentPictures{keptContentBytes};
+    QCache<Tile, QImage> m_contentPictures{static_cast<qsizetype>(limits::kept::contentTiles)};
 };
 
 TileRenderer::TileRenderer(std::shared_ptr<PDFDocument> document)
