@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
+#include <malloc.h>
 #include <mutex>
 #include <new>
 #include <stdexcept>
@@ -16,6 +17,13 @@ namespace pdf::engine {
 namespace {
 
 std::atomic<std::size_t> liveBytes = 0;
+thread_local std::ptrdiff_t threadBytes = 0;
+
+void takeAway(std::size_t size)
+{
+    liveBytes.fetch_sub(size, std::memory_order_relaxed);
+    threadBytes -= static_cast<std::ptrdiff_t>(size);
+}
 
 /// Stands before each block, because giving memory back has to know how much it was.
 struct alignas(std::max_align_t) BlockHeader
@@ -34,6 +42,7 @@ bool reserve(std::size_t size)
             liveBytes.fetch_sub(size, std::memory_order_relaxed);
         return false;
     }
+    threadBytes += static_cast<std::ptrdiff_t>(size);
     return true;
 }
 
@@ -43,7 +52,7 @@ void* allocate(void*, std::size_t size)
         return nullptr;
     auto* header = static_cast<BlockHeader*>(std::malloc(sizeof(BlockHeader) + size));
     if (!header) {
-        liveBytes.fetch_sub(size, std::memory_order_relaxed);
+        takeAway(size);
         return nullptr;
     }
     header->size = size;
@@ -55,7 +64,7 @@ void release(void*, void* block)
     if (!block)
         return;
     auto* header = static_cast<BlockHeader*>(block) - 1;
-    liveBytes.fetch_sub(header->size, std::memory_order_relaxed);
+    takeAway(header->size);
     std::free(header);
 }
 
@@ -70,11 +79,11 @@ void* reallocate(void*, void* block, std::size_t size)
     header = static_cast<BlockHeader*>(std::realloc(header, sizeof(BlockHeader) + size));
     if (!header) {
         if (size > oldSize)
-            liveBytes.fetch_sub(size - oldSize, std::memory_order_relaxed);
+            takeAway(size - oldSize);
         return nullptr;
     }
     if (size < oldSize)
-        liveBytes.fetch_sub(oldSize - size, std::memory_order_relaxed);
+        takeAway(oldSize - size);
     header->size = size;
     return header + 1;
 }
@@ -104,13 +113,24 @@ void chooseDecodedPart(void*, int width, int height, int halvings, fz_irect* par
         *part = {0, 0, width, height};
 }
 
+/// Unpacked pictures and tiles come and go all the time. Blocks of their size are given back to the system at
+/// once. By itself the C library would take them from its heaps from the second one on, each thread from one
+/// of its own, and what lies between them would keep the heaps from becoming smaller.
+void returnLargeBlocks()
+{
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, limits::largeBlock);
+#endif
+}
+
 /// Made once and never dropped: clones on other threads may outlive main().
 fz_context* makeBaseContext()
 {
+    returnLargeBlocks();
     static auto* locks = new Locks;
     static const fz_alloc_context allocator = {nullptr, allocate, reallocate, release};
     static const fz_locks_context locking = {locks, lock, unlock};
-    fz_context* base = fz_new_context(&allocator, &locking, limits::store);
+    fz_context* base = fz_new_context(&allocator, &locking, limits::kept::store);
     if (!base)
         throw std::bad_alloc();
     // Damage in a file is told by results; MuPDF's remarks about it would go to the terminal.
@@ -191,6 +211,11 @@ fz_context* context()
 std::size_t memoryInUse()
 {
     return liveBytes.load(std::memory_order_relaxed);
+}
+
+std::ptrdiff_t memoryOfThread()
+{
+    return threadBytes;
 }
 
 void rethrowUnlessDamage(fz_context* ctx)

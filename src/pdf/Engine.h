@@ -32,6 +32,9 @@ fz_context* context();
 /// Live bytes of all MuPDF's memory.
 std::size_t memoryInUse();
 
+/// The same as far as it was taken on the calling thread; less than nothing where more was given back.
+std::ptrdiff_t memoryOfThread();
+
 /// For a place that can make do with a part of its result: goes on where the document was damaged, and throws
 /// again, as MuPDF does, when memory was short or the operation was stopped. To be called in fz_catch.
 void rethrowUnlessDamage(fz_context* ctx);

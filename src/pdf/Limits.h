@@ -13,11 +13,39 @@ namespace pdf::limits {
 /// Live memory of the engine over all documents and threads.
 constexpr std::size_t memory = std::size_t{768} << 20;
 
-/// Decoded images, fonts and glyphs that are kept for reuse; part of the above and given up when it is short.
-constexpr std::size_t store = std::size_t{128} << 20;
+/// What is kept for reuse, in bytes, whatever is shown. A view whose visible tiles alone take more than its
+/// share has these and nothing else.
+namespace kept {
 
-/// A picture of more pixels is unpacked in part where only a part is drawn.
-constexpr std::int64_t wholePicture = std::int64_t{16} << 20;
+/// Unpacked pictures, packed ones, fonts: MuPDF's store, part of the above and given up when that is short.
+constexpr std::size_t store = std::size_t{40} << 20;
+
+/// Glyphs, by MuPDF's own decision.
+constexpr std::size_t glyphs = std::size_t{1} << 20;
+
+/// Tiles of a view.
+constexpr std::size_t tiles = std::size_t{32} << 20;
+
+/// Tiles of pages with annotations, as they are and without the annotations, for the next change of one.
+constexpr std::size_t annotatedTiles = std::size_t{20} << 20;
+
+/// Display lists of pages of which no tile is wanted.
+constexpr std::size_t displayLists = std::size_t{6} << 20;
+
+/// Texts of the visible pages and their neighbours; about that, however full they are.
+constexpr std::size_t texts = std::size_t{1} << 20;
+
+static_assert(store + glyphs + tiles + annotatedTiles + displayLists + texts <= std::size_t{100} << 20);
+
+} // namespace kept
+
+/// Blocks of memory from this size on go back to the system as soon as they are given back.
+constexpr int largeBlock = 512 << 10;
+
+/// A picture of more pixels is unpacked in part where only a part is drawn. Three bytes a pixel, it has room
+/// in the store.
+constexpr std::int64_t wholePicture = std::int64_t{12} << 20;
+static_assert(wholePicture * 3 < static_cast<std::int64_t>(kept::store));
 
 /// What a JPEG or JPEG 2000 decoder may take for itself, besides the above.
 constexpr std::size_t decoder = std::size_t{256} << 20;

@@ -17,6 +17,9 @@ namespace {
 // A pixel of 32 bits is the bytes blue, green, red, alpha here, which is MuPDF's BGR with alpha.
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN);
 
+// Samples of pictures that take some milliseconds to unpack.
+constexpr std::int64_t slowPictures = 500'000;
+
 struct Target
 {
     unsigned char* pixels;
@@ -148,6 +151,22 @@ std::vector<QRectF> PDFDisplayList::difference(const PDFDisplayList& other) cons
             addPlace(places, *otherRest[i]);
     }
     return places;
+}
+
+bool PDFDisplayList::hasPictures() const
+{
+    std::int64_t samples = 0;
+    for (const auto& group : m_handle->groups)
+        samples += group->samples;
+    return samples >= slowPictures;
+}
+
+std::size_t PDFDisplayList::bytes() const
+{
+    std::size_t bytes = 0;
+    for (const auto& group : m_handle->groups)
+        bytes += group->bytes;
+    return bytes;
 }
 
 Result<std::monostate>

@@ -9,6 +9,7 @@
 #include <QRectF>
 #include <QSizeF>
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -31,6 +32,13 @@ public:
     /// other one does. Both are of the same page. Takes time in proportion to their lengths, which is nothing
     /// beside drawing them.
     std::vector<QRectF> difference(const PDFDisplayList& other) const;
+
+    /// Whether it shows pictures that take longer to unpack than to draw. They are unpacked by the first
+    /// drawing at a scale, and kept for the next ones as long as there is room.
+    bool hasPictures() const;
+
+    /// About what it keeps in memory: itself, and the packed pictures and the fonts that came with it.
+    std::size_t bytes() const;
 
     /// Draws a part of the page over what the image holds. `scale` is pixels per point; the image's upper
     /// left pixel is the pixel `origin` of the whole page drawn at that scale, so neighbouring tiles fit

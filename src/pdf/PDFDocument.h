@@ -174,6 +174,7 @@ private:
 
     friend class PDFAnnotation;
     friend class PDFPage;
+    friend class TextIndex;
 
     static Result<std::shared_ptr<PDFDocument>>
     read(const QString& path, std::shared_ptr<SourceFile> source, const Cancellation& cancellation);

@@ -2,6 +2,10 @@
 #include "pdf/RecordedList.h"
 
 #include "pdf/Engine.h"
+#include "pdf/MuPDFVersion.h"
+#include "pdf/PictureCount.h"
+
+#include <algorithm>
 
 namespace pdf {
 namespace {
@@ -48,12 +52,14 @@ RecordedList::~RecordedList()
 
 void RecordedList::record(fz_context* ctx, fz_rect page, Run run, void* source, fz_cookie* cookie)
 {
+    const std::ptrdiff_t before = engine::memoryOfThread();
     m_list = fz_new_display_list(ctx, page);
     fz_device* device = nullptr;
     fz_var(device);
     fz_try(ctx)
     {
         device = fz_new_list_device(ctx, m_list);
+        countPictures(device, m_samples);
         runUndamaged(ctx, run, source, device, cookie);
         fz_close_device(ctx, device);
     }
@@ -65,6 +71,7 @@ void RecordedList::record(fz_context* ctx, fz_rect page, Run run, void* source, 
     {
         fz_rethrow(ctx);
     }
+    m_bytes = static_cast<std::size_t>(std::max(engine::memoryOfThread() - before, std::ptrdiff_t{0}));
 }
 
 void RecordedList::measure(fz_context* ctx, fz_cookie* cookie)

@@ -5,6 +5,8 @@
 
 #include <QSizeF>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -31,10 +33,16 @@ public:
     fz_display_list* list() const { return m_list; }
     /// Nothing is drawn outside of it; in display space.
     fz_rect area() const { return m_area; }
+    /// Of the pictures that it shows.
+    std::int64_t samples() const { return m_samples; }
+    /// What recording it has left in memory.
+    std::size_t bytes() const { return m_bytes; }
 
 private:
     fz_display_list* m_list = nullptr;
     fz_rect m_area = fz_infinite_rect;
+    std::int64_t m_samples = 0;
+    std::size_t m_bytes = 0;
 };
 
 /// Lists that are drawn one over the other; immutable once it is shared. The areas stand beside them, so that
@@ -50,11 +58,15 @@ struct ListGroup
     std::vector<Part> parts;
     /// Of all of them.
     fz_rect area = fz_empty_rect;
+    std::int64_t samples = 0;
+    std::size_t bytes = 0;
 
     void add(const std::shared_ptr<const RecordedList>& list)
     {
         parts.push_back({list, list->area()});
         area = fz_union_rect(area, list->area());
+        samples += list->samples();
+        bytes += list->bytes();
     }
 };
 

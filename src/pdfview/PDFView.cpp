@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/PDFView.h"
 
+#include "pdf/Limits.h"
 #include "pdf/PDFDocument.h"
 #include "pdfview/AccessiblePDFView.h"
 #include "pdfview/FocusRing.h"
@@ -39,10 +40,23 @@ constexpr int pageGap = 12;
 constexpr double lowestScale = 0.02;
 constexpr double highestScale = 64.0;
 
-// The cache holds the view's pixels this many times over: what is visible, what comes next in both
-// directions, and what was visible at the scale before.
+// The cache holds the view's pixels this many times over, as far as there is room: what is visible, what
+// comes next in both directions, and what was visible at the scale before.
 constexpr qsizetype cachedViews = 8;
 constexpr qsizetype smallestCache = 24 * 1024 * 1024;
+constexpr auto largestCache = static_cast<qsizetype>(limits::kept::tiles);
+
+qsizetype imageBytes(QSize size)
+{
+    return qsizetype{4} * size.width() * size.height();
+}
+
+/// What is visible has to have room in any case, or it would be drawn again and again.
+qsizetype cacheLimit(QSize view)
+{
+    const qsizetype visible = imageBytes(view + QSize(2 * tileSide, 2 * tileSide));
+    return std::max(visible, std::clamp(cachedViews * imageBytes(view), smallestCache, largestCache));
+}
 
 // View points between the edge of the view and the ring that shows its focus, which is on the outside of
 // that.
@@ -108,6 +122,7 @@ void PDFView::setDocument(ShownDocument shown)
     m_failedPages.clear();
     m_outdatedPages.clear();
     m_pageToDisplay.clear();
+    m_picturePages.clear();
     m_fallbackScale = 0.0;
     m_fittedPage = 0;
     m_arrival.reset();
@@ -154,6 +169,10 @@ void PDFView::take(const TileRenderer::PageSized& result)
         m_cache.outdate(result.page, [](const Tile&) { return false; });
     m_viewport.setPageSize(result.page, result.size);
     m_pageToDisplay[result.page] = result.pageToDisplay;
+    if (result.hasPictures)
+        m_picturePages.insert(result.page);
+    else
+        m_picturePages.erase(result.page);
     if (m_autoScales && result.page == m_fittedPage)
         fitWidth();
 }
@@ -369,13 +388,14 @@ void PDFView::requestTiles()
 {
     if (!m_shown.renderer)
         return;
-    m_shown.renderer->want(
-        planTiles(m_viewport, m_direction, [this](const Tile& tile) { return isAtHand(tile); }));
+    m_shown.renderer->want(planTiles(
+        m_viewport, m_direction, [this](const Tile& tile) { return isAtHand(tile); }, m_cache.byteLimit()));
 }
 
 bool PDFView::isAtHand(const Tile& tile) const
 {
-    return m_cache.contains(tile) || m_failedPages.contains(tile.page);
+    return m_cache.contains(tile) || m_failedPages.contains(tile.page) ||
+           (tile.isWholePage() && m_picturePages.contains(tile.page));
 }
 
 bool PDFView::isSharp() const
@@ -422,8 +442,7 @@ void PDFView::resizeEvent(QResizeEvent* event)
 {
     QAbstractScrollArea::resizeEvent(event);
     m_viewport.setSize((QSizeF(viewport()->size()) * m_devicePixelRatio).toSize());
-    m_cache.setByteLimit(
-        std::max(smallestCache, cachedViews * 4 * m_viewport.size().width() * m_viewport.size().height()));
+    m_cache.setByteLimit(cacheLimit(m_viewport.size()));
     if (m_autoScales)
         fitWidth();
     follow();

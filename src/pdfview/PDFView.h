@@ -254,6 +254,8 @@ private:
     /// Pages of which the pictures at hand show another layout than the one to come.
     std::set<int> m_outdatedPages;
     std::map<int, QTransform> m_pageToDisplay;
+    /// Of these there is no small picture.
+    std::set<int> m_picturePages;
     double m_fallbackScale = 0.0;
     double m_scaleFactor = 1.0;
     double m_devicePixelRatio = 1.0;

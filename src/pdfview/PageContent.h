@@ -7,6 +7,7 @@
 #include <QSizeF>
 #include <QTransform>
 
+#include <cstddef>
 #include <optional>
 
 namespace pdf {
@@ -26,6 +27,12 @@ struct PageContent
     /// Why there is no content.
     bool isFileChanged = false;
 
+    bool hasPictures() const { return content && content->hasPictures(); }
+    /// About what it keeps in memory.
+    std::size_t bytes() const
+    {
+        return (content ? content->bytes() : 0) + (annotations ? annotations->bytes() : 0);
+    }
     bool showsAnnotations() const { return annotations && !annotations->isEmpty(); }
 };
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/TilePlan.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace pdf {
@@ -18,9 +20,10 @@ std::vector<Tile> cellsIn(const PageViewport& viewport, int page, const QRect& a
 class Plan
 {
 public:
-    Plan(const PageViewport& viewport, const std::function<bool(const Tile&)>& isAtHand)
+    Plan(const PageViewport& viewport, const std::function<bool(const Tile&)>& isAtHand, qsizetype room)
         : m_viewport(viewport)
         , m_isAtHand(isAtHand)
+        , m_room(room)
     {}
 
     void addVisible(PageViewport::Range pages)
@@ -41,7 +44,8 @@ public:
         std::stable_sort(cells.begin(), cells.end(), [&](const Tile& a, const Tile& b) {
             return distance(a) < distance(b);
         });
-        add(cells);
+        for (const Tile& tile : cells)
+            add(tile);
     }
 
     /// What a view's height of scrolling would bring in.
@@ -60,7 +64,11 @@ public:
                 break;
             if (!m_viewport.layout().isKnown(page))
                 add(Tile::wholePage(page));
-            add(cells);
+            for (const Tile& tile : cells) {
+                if (!m_planned.contains(tile) && bytesOf(tile) > m_room)
+                    return;
+                add(tile);
+            }
         }
     }
 
@@ -70,27 +78,38 @@ private:
     /// A cell at the edge of the view is both visible and beyond it; it is named once.
     void add(const Tile& tile)
     {
-        if (!m_isAtHand(tile) && std::find(m_tiles.begin(), m_tiles.end(), tile) == m_tiles.end())
+        if (m_planned.contains(tile))
+            return;
+        m_planned.insert(tile);
+        m_room -= bytesOf(tile);
+        if (!m_isAtHand(tile))
             m_tiles.push_back(tile);
     }
 
-    void add(const std::vector<Tile>& tiles)
+    qsizetype bytesOf(const Tile& tile) const
     {
-        for (const Tile& tile : tiles)
-            add(tile);
+        if (tile.isWholePage())
+            return 0;
+        const QRect rect = tileRect(tile, m_viewport.layout().pixelSize(tile.page));
+        return qsizetype{4} * rect.width() * rect.height();
     }
 
     const PageViewport& m_viewport;
     const std::function<bool(const Tile&)>& m_isAtHand;
+    /// What is left of it.
+    qsizetype m_room;
+    /// Whether they are at hand or not.
+    QSet<Tile> m_planned;
     std::vector<Tile> m_tiles;
 };
 
 } // namespace
 
 std::vector<Tile> planTiles(
-    const PageViewport& viewport, ScrollDirection direction, const std::function<bool(const Tile&)>& isAtHand)
+    const PageViewport& viewport, ScrollDirection direction, const std::function<bool(const Tile&)>& isAtHand,
+    qsizetype room)
 {
-    Plan plan(viewport, isAtHand);
+    Plan plan(viewport, isAtHand, room);
     const auto pages = viewport.visiblePages();
     if (pages.last < pages.first) {
         // Nothing can be laid out before one size is known.

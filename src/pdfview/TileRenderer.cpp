@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/TileRenderer.h"
 
+#include "pdf/Limits.h"
 #include "pdf/PDFDocument.h"
 #include "pdfview/PageContent.h"
 #include "pdfview/RenderThreads.h"
@@ -23,9 +24,6 @@ namespace {
 
 // Pages whose display lists stay although none of their tiles is wanted.
 constexpr std::size_t keptPages = 6;
-
-// Of pictures of pages with annotations, as they are and without the annotations.
-constexpr qsizetype keptPictureBytes = 48 * 1024 * 1024;
 
 } // namespace
 
@@ -84,6 +82,7 @@ public:
             return std::visit([](const auto& value) { return pageOf(value); }, result) == page;
         });
         std::erase_if(m_kept, [page](const Content& content) { return content->page == page; });
+        m_unpackedScales.erase(page);
         for (const Tile& tile : m_pictures.keys()) {
             if (tile.page == page)
                 m_pictures.remove(tile);
@@ -158,7 +157,7 @@ private:
         if (job.isAbandoned)
             return nullptr;
         if (!old && !content->size.isEmpty())
-            report(PageSized{page, content->size, content->pageToDisplay});
+            report(PageSized{page, content->size, content->pageToDisplay, content->hasPictures()});
         if (!content->content) {
             report(PageFailed{page, content->isFileChanged});
             return nullptr;
@@ -180,6 +179,8 @@ private:
         lock.lock();
         if (job.isAbandoned)
             return;
+        if (isKept(tile.page))
+            m_unpackedScales[tile.page] = tile.scale;
         if (!isDrawn) {
             report(PageFailed{tile.page});
             return;
@@ -205,10 +206,13 @@ private:
     static int pageOf(const TileDrawn& result) { return result.tile.page; }
     static int pageOf(const PageFailed& result) { return result.page; }
 
-    /// A tile may have been wanted when the page was thought to have another shape.
+    /// A tile may have been wanted when the page was thought to have another shape. The small picture of a
+    /// page with pictures would only keep the sharp one waiting.
     static bool exists(const Tile& tile, const PageContent& page)
     {
-        return tile.isWholePage() || !tileRect(tile, pixelSize(page.size, tile.scale)).isEmpty();
+        if (tile.isWholePage())
+            return !page.hasPictures();
+        return !tileRect(tile, pixelSize(page.size, tile.scale)).isEmpty();
     }
 
     // All below is to be called with the lock held.
@@ -255,7 +259,7 @@ private:
         const auto canBegin = [this](const Tile& tile) {
             const bool isRunning = std::any_of(
                 m_running.begin(), m_running.end(), [&](const Job& job) { return job.tile == tile; });
-            return !isRunning && (m_pageBeingRead < 0 || isKept(tile.page));
+            return !isRunning && (m_pageBeingRead < 0 || isKept(tile.page)) && !waitsForPictures(tile);
         };
         const auto place = std::find_if(m_wanted.begin(), m_wanted.end(), canBegin);
         if (place == m_wanted.end())
@@ -263,6 +267,22 @@ private:
         const Tile tile = *place;
         m_wanted.erase(place);
         return tile;
+    }
+
+    /// The first tile of a page at a scale unpacks the page's pictures for all of them. Another one that ran
+    /// beside it would do the same over again, while a tile of another page may use the time.
+    bool waitsForPictures(const Tile& tile) const
+    {
+        const auto content = std::find_if(
+            m_kept.begin(), m_kept.end(), [&](const Content& kept) { return kept->page == tile.page; });
+        if (content == m_kept.end() || !(*content)->hasPictures())
+            return false;
+        const auto unpacked = m_unpackedScales.find(tile.page);
+        if (unpacked != m_unpackedScales.end() && unpacked->second == tile.scale)
+            return false;
+        return std::any_of(m_running.begin(), m_running.end(), [&](const Job& job) {
+            return job.tile.page == tile.page && job.tile.scale == tile.scale && !job.isAbandoned;
+        });
     }
 
     bool isPageWanted(int page) const
@@ -293,11 +313,18 @@ private:
     {
         std::erase_if(m_kept, [&](const Content& old) { return old->page == content->page; });
         m_kept.push_front(content);
+        std::size_t bytes = 0;
+        for (const Content& old : m_kept)
+            bytes += old->bytes();
         auto place = m_kept.end();
-        while (m_kept.size() > keptPages && place != m_kept.begin()) {
+        while ((m_kept.size() > keptPages || bytes > limits::kept::displayLists) &&
+               place != std::next(m_kept.begin())) {
             --place;
-            if (!isPageWanted((*place)->page))
-                place = m_kept.erase(place);
+            if (isPageWanted((*place)->page))
+                continue;
+            bytes -= (*place)->bytes();
+            m_unpackedScales.erase((*place)->page);
+            place = m_kept.erase(place);
         }
     }
 
@@ -318,12 +345,14 @@ private:
     int m_pageBeingRead = -1;
     /// The last used one first.
     std::list<Content> m_kept;
+    /// Of these pages, the scale for which their pictures were unpacked last.
+    std::map<int, double> m_unpackedScales;
     std::vector<Result> m_results;
     /// How many times the annotations of a page have changed, of the pages where they have.
     std::map<int, int> m_versions;
     /// Pages of which they have changed since tiles were wanted the last time.
     std::set<int> m_refreshed;
-    QCache<Tile, TilePicture> m_pictures{keptPictureBytes};
+    QCache<Tile, TilePicture> m_pictures{static_cast<qsizetype>(limits::kept::annotatedTiles)};
 };
 
 TileRenderer::TileRenderer(std::shared_ptr<PDFDocument> document)

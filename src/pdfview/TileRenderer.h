@@ -31,6 +31,9 @@ public:
         QSizeF size;
         /// From page space to display space.
         QTransform pageToDisplay;
+        /// The page shows pictures that have to be unpacked first, which takes as long for a small picture of
+        /// it as for a sharp one. There is no small picture of such a page.
+        bool hasPictures = false;
     };
     struct TileDrawn
     {

@@ -10,14 +10,34 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QDeadlineTimer>
 #include <QPainter>
 #include <QSet>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
+#include <dlfcn.h>
+#include <jpeglib.h>
 #include <mutex>
+
+namespace {
+
+std::atomic<int> unpackedPictures = 0;
+
+} // namespace
+
+/// The engine's calls to the JPEG library come here first.
+extern "C" boolean jpeg_start_decompress(j_decompress_ptr decompress)
+{
+    ++unpackedPictures;
+    static const auto real =
+        reinterpret_cast<boolean (*)(j_decompress_ptr)>(dlsym(RTLD_NEXT, "jpeg_start_decompress"));
+    return real(decompress);
+}
 
 namespace pdf {
 namespace {
@@ -120,6 +140,49 @@ TEST_F(TileRendererTest, DrawsTheTilesOfAScanWithoutASeam)
     EXPECT_LE(largestDifference(stitched, drawWhole(*file, scale, pixels)), seamTolerance);
 }
 
+/// A page that is filled by a picture.
+PDFWriter scan()
+{
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    buffer.open(QIODevice::WriteOnly);
+    QImage image(1600, 2200, QImage::Format_Grayscale8);
+    image.fill(Qt::gray);
+    EXPECT_TRUE(image.save(&buffer, "JPEG"));
+    PDFWriter writer;
+    const int picture = writer.addStream(
+        jpeg,
+        "/Subtype/Image/ColorSpace/DeviceGray/BitsPerComponent 8/Filter/DCTDecode/Width 1600/Height 2200");
+    writer.setResources("/XObject<</Scan " + QByteArray::number(picture) + " 0 R>>");
+    writer.addPage("q 612 0 0 792 0 0 cm /Scan Do Q");
+    return writer;
+}
+
+TEST_F(TileRendererTest, UnpacksAPictureOnceForAllTilesOfAPage)
+{
+    TileRenderer renderer(document(scan()));
+    constexpr double scale = 2;
+    const QSize pixels = pixelSize({612, 792}, scale);
+    const auto tiles = tilesIn(QRect(QPoint(0, 0), pixels), 0, scale, pixels);
+    ASSERT_GT(tiles.size(), 4U);
+    unpackedPictures = 0;
+    renderer.want(tiles);
+    EXPECT_EQ(only<TileRenderer::TileDrawn>(finish(renderer)).size(), tiles.size());
+    EXPECT_EQ(unpackedPictures, 1);
+}
+
+TEST_F(TileRendererTest, DrawsNoSmallPictureWhereASharpOneTakesNoLonger)
+{
+    TileRenderer renderer(document(scan()));
+    unpackedPictures = 0;
+    renderer.want({Tile::wholePage(0)});
+    const auto results = finish(renderer);
+    ASSERT_EQ(results.size(), 1U);
+    ASSERT_TRUE(std::holds_alternative<TileRenderer::PageSized>(results[0]));
+    EXPECT_TRUE(std::get<TileRenderer::PageSized>(results[0]).hasPictures);
+    EXPECT_EQ(unpackedPictures, 0);
+}
+
 TEST_F(TileRendererTest, TellsThePagesSizeBeforeItsFirstPicture)
 {
     PDFWriter writer;
@@ -130,6 +193,7 @@ TEST_F(TileRendererTest, TellsThePagesSizeBeforeItsFirstPicture)
     ASSERT_EQ(results.size(), 2U);
     ASSERT_TRUE(std::holds_alternative<TileRenderer::PageSized>(results[0]));
     EXPECT_EQ(std::get<TileRenderer::PageSized>(results[0]).size, QSizeF(400, 300));
+    EXPECT_FALSE(std::get<TileRenderer::PageSized>(results[0]).hasPictures);
     const auto drawn = only<TileRenderer::TileDrawn>(results);
     ASSERT_EQ(drawn.size(), 1U);
     EXPECT_EQ(drawn[0].image.size(), QSize(320, 240));
