@@ -38,12 +38,14 @@ std::string makeAnnotated(int count)
     const int columns = std::max(1, static_cast<int>(std::sqrt(count * page.size.width / page.size.height)));
     const double pitch = page.size.width / columns;
     const std::string side = samples::number(pitch * 0.7);
+    const std::string square = side + ' ' + side;
     for (int i = 0; i < count; ++i) {
+        const int row = i / columns;
         const double x = pitch * (i % columns);
-        const double y = pitch * (i / columns);
+        const double y = pitch * row;
         const auto picture = document.file().addStream(
-            "/Type/XObject/Subtype/Form/BBox[0 0 " + side + ' ' + side + ']',
-            samples::number(i % 7 / 7.0) + " 0.5 0.8 rg 0 0 " + side + ' ' + side + " re f",
+            "/Type/XObject/Subtype/Form/BBox[0 0 " + square + ']',
+            samples::number(i % 7 / 7.0) + " 0.5 0.8 rg 0 0 " + square + " re f",
             samples::PdfFile::Compression::none);
         page.annotations.push_back(document.file().add(
             "<</Type/Annot/Subtype/Square/F 4/Rect" +

@@ -199,7 +199,7 @@ AnnotationStore::remove(const PDFAnnotation& annotation, Entry& entry, CookieSco
     pdf_obj* object = entry.object.get();
     auto made = m_document.appearances.extract(nameOf(object).number);
     const annotations::ObjectRange appearance = made ? made.mapped() : annotations::ObjectRange();
-    const auto error = engine::attemptLastStep(scope, [&](fz_context* ctx) {
+    auto error = engine::attemptLastStep(scope, [&](fz_context* ctx) {
         annotations::remove(ctx, m_document.document, pageObject(ctx, entry.pageIndex), object, appearance);
     });
     if (error) {

@@ -86,7 +86,7 @@ AnnotationStore::writeFoundValue(const Entry& entry, const State& state, CookieS
 std::optional<PDFError> AnnotationStore::move(const State& state, const Entry& entry, CookieScope& scope)
 {
     AnnotationChange change(m_document);
-    const auto error = engine::attemptLastStep(scope, [&](fz_context* ctx) {
+    auto error = engine::attemptLastStep(scope, [&](fz_context* ctx) {
         change.remember(ctx, entry.object.get());
         change.touch(ctx, entry.object.get());
         annotations::writeBounds(ctx, entry.object.get(), state.properties.bounds);

@@ -3,6 +3,7 @@
 
 #include "pdf/MuPDFVersion.h"
 
+#include <QList>
 #include <QString>
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 
 #include "pdf/Limits.h"
 
+#include <QList>
 #include <QString>
 
 #include <algorithm>

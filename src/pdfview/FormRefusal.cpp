@@ -32,7 +32,7 @@ QString lengthText(const PDFFormField& field, const FormValue& value)
 
 QString reason(const PDFFormField& field, const FormValue& value, const PDFError& error)
 {
-    const QString length = lengthText(field, value);
+    QString length = lengthText(field, value);
     if (!length.isEmpty())
         return length;
     switch (error.code) {

@@ -150,7 +150,7 @@ private:
         PageContent result = old ? readAnnotations(*m_document, *old, cancellation)
                                  : readPage(*m_document, page, cancellation);
         result.version = versionBefore;
-        const auto content = std::make_shared<const PageContent>(std::move(result));
+        auto content = std::make_shared<const PageContent>(std::move(result));
         lock.lock();
         m_pageBeingRead = -1;
         job.readsPage = false;

@@ -92,7 +92,7 @@ std::shared_future<QString> UserDefaults::agreedString(const QString& key, const
         known.set_value(*own);
         return known.get_future().share();
     }
-    const auto agreed = m_writer.propose(key, proposal);
+    auto agreed = m_writer.propose(key, proposal);
     m_agreements.emplace(key, agreed);
     Q_EMIT changed(key);
     return agreed;
