@@ -62,6 +62,7 @@ FormFiller::~FormFiller() = default;
 
 void FormFiller::startDocument()
 {
+    const std::optional<Refusal> left = refusedLast();
     m_editor.reset();
     m_pages.clear();
     m_requested.clear();
@@ -73,6 +74,8 @@ void FormFiller::startDocument()
     m_hasFields = false;
     delete m_notice.data();
     m_jobs = m_view.document() ? std::make_unique<FormJobs>(m_view.document()) : nullptr;
+    if (left && m_jobs)
+        offerLeft(*left);
 }
 
 void FormFiller::takeKind(FormJobs::FormKind kind)
@@ -422,6 +425,11 @@ bool FormFiller::mouseRelease(const QMouseEvent& event)
     if (field && field->widget == *pressed && m_editor && m_editor->field().widget == *pressed)
         m_editor->click();
     return true;
+}
+
+bool FormFiller::holdsUntakenValues() const
+{
+    return (m_editor && m_editor->isChanged()) || !m_refusals.empty() || m_valuesUnderWay > 0;
 }
 
 void FormFiller::finish(std::function<void()> then)
