@@ -6,7 +6,6 @@
 #include "pdfview/PDFView.h"
 #include "pdfview/TextMarker.h"
 
-#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -63,6 +62,8 @@ FormFiller::~FormFiller() = default;
 void FormFiller::startDocument()
 {
     const std::optional<Refusal> left = refusedLast();
+    if (m_editor)
+        takeKeyboard(*m_editor);
     m_editor.reset();
     m_pages.clear();
     m_requested.clear();
@@ -364,6 +365,15 @@ void FormFiller::takeOutcome(
         refuse(before, value, outcome.error());
 }
 
+void FormFiller::takeKeyboard(const FieldEditor& editor)
+{
+    const QWidget* control = editor.widget();
+    // The window's, since another window may have the keyboard just now and give it back.
+    const QWidget* focused = m_view.window()->focusWidget();
+    if (focused && (focused == control || control->isAncestorOf(focused)))
+        m_view.setFocus(Qt::OtherFocusReason);
+}
+
 bool FormFiller::close(bool keepsValue)
 {
     if (!m_editor)
@@ -374,10 +384,7 @@ bool FormFiller::close(bool keepsValue)
     endRefusal();
     const std::unique_ptr<FieldEditor> closed = std::move(m_editor);
     closed->disconnect(this);
-    QWidget* control = closed->widget();
-    QWidget* focused = QApplication::focusWidget();
-    if (focused && (focused == control || control->isAncestorOf(focused)))
-        m_view.setFocus(Qt::OtherFocusReason);
+    takeKeyboard(*closed);
     // Taken after the keyboard has gone, so that it shows no cursor.
     if (isChanged && !isButton(closed->field()))
         m_afterimages.push_back({closed->field(), closed->picture()});

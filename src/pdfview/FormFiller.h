@@ -124,6 +124,8 @@ private:
     void placeNotice();
     /// False where the value was refused and the editor stays.
     bool close(bool keepsValue);
+    /// For the view, if the editor has it.
+    void takeKeyboard(const FieldEditor& editor);
     void walk(bool forward);
     void walkFromPage(int page, bool forward);
     void takeFoundPage(const std::optional<FormPage>& page, bool forward);
