@@ -6,7 +6,6 @@
 #include "pdfview/PDFView.h"
 #include "pdfview/TextMarker.h"
 
-#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -62,6 +61,9 @@ FormFiller::~FormFiller() = default;
 
 void FormFiller::startDocument()
 {
+    const std::optional<Refusal> left = refusedLast();
+    if (m_editor)
+        takeKeyboard(*m_editor);
     m_editor.reset();
     m_pages.clear();
     m_requested.clear();
@@ -73,6 +75,8 @@ void FormFiller::startDocument()
     m_hasFields = false;
     delete m_notice.data();
     m_jobs = m_view.document() ? std::make_unique<FormJobs>(m_view.document()) : nullptr;
+    if (left && m_jobs)
+        offerLeft(*left);
 }
 
 void FormFiller::takeKind(FormJobs::FormKind kind)
@@ -361,6 +365,15 @@ void FormFiller::takeOutcome(
         refuse(before, value, outcome.error());
 }
 
+void FormFiller::takeKeyboard(const FieldEditor& editor)
+{
+    const QWidget* control = editor.widget();
+    // The window's, since another window may have the keyboard just now and give it back.
+    const QWidget* focused = m_view.window()->focusWidget();
+    if (focused && (focused == control || control->isAncestorOf(focused)))
+        m_view.setFocus(Qt::OtherFocusReason);
+}
+
 bool FormFiller::close(bool keepsValue)
 {
     if (!m_editor)
@@ -371,10 +384,7 @@ bool FormFiller::close(bool keepsValue)
     endRefusal();
     const std::unique_ptr<FieldEditor> closed = std::move(m_editor);
     closed->disconnect(this);
-    QWidget* control = closed->widget();
-    QWidget* focused = QApplication::focusWidget();
-    if (focused && (focused == control || control->isAncestorOf(focused)))
-        m_view.setFocus(Qt::OtherFocusReason);
+    takeKeyboard(*closed);
     // Taken after the keyboard has gone, so that it shows no cursor.
     if (isChanged && !isButton(closed->field()))
         m_afterimages.push_back({closed->field(), closed->picture()});
@@ -422,6 +432,11 @@ bool FormFiller::mouseRelease(const QMouseEvent& event)
     if (field && field->widget == *pressed && m_editor && m_editor->field().widget == *pressed)
         m_editor->click();
     return true;
+}
+
+bool FormFiller::holdsUntakenValues() const
+{
+    return (m_editor && m_editor->isChanged()) || !m_refusals.empty() || m_valuesUnderWay > 0;
 }
 
 void FormFiller::finish(std::function<void()> then)

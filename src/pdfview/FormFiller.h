@@ -57,6 +57,9 @@ public:
     /// refused it.
     void finish(std::function<void()> then);
 
+    /// Whether the user has entered anything that the document does not have, or not yet.
+    bool holdsUntakenValues() const;
+
     /// The field that is being edited, or null.
     const FieldEditor* editor() const { return m_editor.get(); }
 
@@ -113,10 +116,16 @@ private:
     /// Opens an editor with the value that was refused first, unless one is open.
     void openRefused();
     void endRefusal();
+    /// What the user saw refused last, if it is still waiting.
+    std::optional<Refusal> refusedLast() const;
+    /// Tells that a refused value has not come into its document, which is gone, and hands out its text.
+    void offerLeft(const Refusal& refusal);
     void showNotice(const QString& text);
     void placeNotice();
     /// False where the value was refused and the editor stays.
     bool close(bool keepsValue);
+    /// For the view, if the editor has it.
+    void takeKeyboard(const FieldEditor& editor);
     void walk(bool forward);
     void walkFromPage(int page, bool forward);
     void takeFoundPage(const std::optional<FormPage>& page, bool forward);

@@ -59,6 +59,23 @@ void FormFiller::endRefusal()
     m_editor->endRefusal();
 }
 
+std::optional<FormFiller::Refusal> FormFiller::refusedLast() const
+{
+    if (m_editor && m_editor->isRefused() && m_editor->isChanged())
+        return Refusal{m_editor->field(), m_editor->value(), {}};
+    return m_refusals.empty() ? std::nullopt : std::optional(m_refusals.back());
+}
+
+void FormFiller::offerLeft(const Refusal& refusal)
+{
+    const PDFFormField& field = refusal.field;
+    showNotice(tr("The field “%1” has not taken what you entered, and its document is no longer open.")
+                   .arg(field.alternateName.isEmpty() ? field.name : field.alternateName));
+    if (const auto* text = std::get_if<QString>(&refusal.value))
+        m_notice->offerText(*text);
+    placeNotice();
+}
+
 void FormFiller::showNotice(const QString& text)
 {
     // Made only now, because its first text loads a font, and hardly any document needs it.

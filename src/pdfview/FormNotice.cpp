@@ -2,6 +2,8 @@
 #include "pdfview/FormNotice.h"
 
 #include <QAccessible>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -46,6 +48,17 @@ void FormNotice::setText(const QString& text)
 {
     m_text->setText(text);
     setAccessibleName(text);
+    delete m_offer.data();
+}
+
+void FormNotice::offerText(const QString& text)
+{
+    m_offer = new QPushButton(tr("Copy Text"));
+    m_offer->setAccessibleName(tr("Copy Text"));
+    m_offer->setFlat(true);
+    static_cast<QHBoxLayout*>(layout())->insertWidget(1, m_offer, 0, Qt::AlignTop);
+    m_offer->show();
+    connect(m_offer, &QPushButton::clicked, this, [text] { QGuiApplication::clipboard()->setText(text); });
 }
 
 void FormNotice::place(const QRect& leftFree)

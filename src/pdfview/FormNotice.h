@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
 
 class QLabel;
+class QPushButton;
 
 namespace pdf {
 
@@ -17,7 +19,10 @@ public:
     FormNotice(const QString& text, QWidget* parent);
 
     QString text() const;
+    /// Takes back what was offered with the text before.
     void setText(const QString& text);
+    /// Adds a button that puts this on the clipboard.
+    void offerText(const QString& text);
 
     /// Puts it at the upper edge of its parent, or at the lower one where it would cover the rectangle, which
     /// is in coordinates of the parent.
@@ -28,6 +33,7 @@ protected:
 
 private:
     QLabel* m_text;
+    QPointer<QPushButton> m_offer;
 };
 
 } // namespace pdf

@@ -500,4 +500,9 @@ void PDFView::finishEditing(std::function<void()> then)
     m_forms->finish(std::move(then));
 }
 
+bool PDFView::hasUnfinishedEdits() const
+{
+    return m_forms->holdsUntakenValues();
+}
+
 } // namespace pdf

@@ -171,6 +171,10 @@ public:
     /// editor, marked, and the user is told.
     void finishEditing(std::function<void()> then);
 
+    /// True while the user has entered something into a form field that the document does not have, because
+    /// it is still being edited, is on its way or was refused.
+    bool hasUnfinishedEdits() const;
+
     // The parts of the view, for those who speak for it.
     const PageReader& pageReader() const { return *m_reader; }
     TextSelector& textSelector() { return *m_selector; }

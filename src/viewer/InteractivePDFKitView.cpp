@@ -100,7 +100,8 @@ void InteractivePDFKitView::showDocument(const pdf::ShownDocument& shown)
 bool InteractivePDFKitView::showsWantedDocument() const
 {
     const auto& document = m_pdfView->document();
-    return document && m_url == m_shownUrl && (m_stamp == m_shownStamp || document->isModified());
+    return document && m_url == m_shownUrl &&
+           (m_stamp == m_shownStamp || document->isModified() || m_pdfView->hasUnfinishedEdits());
 }
 
 void InteractivePDFKitView::resolveLater()

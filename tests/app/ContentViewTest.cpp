@@ -215,17 +215,69 @@ TEST_F(ContentViewTest, ClassifiesAFileThatWasOpenedTwice)
 TEST_F(ContentViewTest, CompletesBothOfTwoQuickOpens)
 {
     show();
-    std::vector<qint64> pageCounts;
-    QObject::connect(&state(), &DocumentState::didChange, [&](DocumentState::Field field) {
-        if (field == DocumentState::Field::totalPages)
-            pageCounts.push_back(state().totalPages());
-    });
     post(documentOf(3, QStringLiteral("first.pdf")));
     post(documentOf(2, QStringLiteral("second.pdf")));
     EXPECT_TRUE(isCompleted(2));
-    EXPECT_EQ(pageCounts, (std::vector<qint64>{3, 2})) << "both are read, the last one last";
+    EXPECT_EQ(
+        m_analytics.types(),
+        (QStringList{
+            QStringLiteral("appLaunch"), QStringLiteral("documentOpened"), QStringLiteral("documentOpened"),
+            QStringLiteral("textExtractionComplete"), QStringLiteral("textExtractionComplete")}));
+    EXPECT_EQ(
+        m_analytics.latest(EventType::textExtractionComplete, QStringLiteral("pageCount")),
+        QVariant(qint64(2)));
+    EXPECT_EQ(
+        m_analytics.latest(EventType::textExtractionComplete, QStringLiteral("hasText")), QVariant(true));
+    EXPECT_EQ(state().totalPages(), 2);
     EXPECT_EQ(state().pageTexts()->size(), 2U);
     EXPECT_TRUE(QTest::qWaitFor([&] { return view()->pageCount() == 2; }));
+}
+
+TEST_F(ContentViewTest, TakesNothingOverFromADocumentThatWasLeftAtOnce)
+{
+    show();
+    std::vector<qint64> pageCounts;
+    std::vector<std::size_t> texts;
+    QObject::connect(&state(), &DocumentState::didChange, [&](DocumentState::Field field) {
+        if (field == DocumentState::Field::totalPages)
+            pageCounts.push_back(state().totalPages());
+        else if (field == DocumentState::Field::pageTexts)
+            texts.push_back(state().pageTexts()->size());
+    });
+    post(documentOf(3, QStringLiteral("first.pdf")));
+    post(documentOf(2, QStringLiteral("second.pdf")));
+    ASSERT_TRUE(isCompleted(2));
+    EXPECT_EQ(pageCounts, std::vector<qint64>{2});
+    EXPECT_EQ(texts, std::vector<std::size_t>{2});
+}
+
+TEST_F(ContentViewTest, CompletesAnOpenThatIsClosedAndOpenedAgainAtOnce)
+{
+    show();
+    const QUrl url = documentOf(2);
+    post(url);
+    QTest::keyClick(m_window.get(), Qt::Key_W, Qt::ControlModifier);
+    post(url);
+    ASSERT_TRUE(isCompleted(2));
+    EXPECT_EQ(m_analytics.types().count(QStringLiteral("documentOpened")), 2);
+    EXPECT_EQ(
+        m_analytics.latest(EventType::textExtractionComplete, QStringLiteral("pageCount")),
+        QVariant(qint64(2)));
+    EXPECT_EQ(
+        m_analytics.latest(EventType::textExtractionComplete, QStringLiteral("hasText")), QVariant(true));
+    EXPECT_EQ(state().pageTexts()->size(), 2U);
+    EXPECT_TRUE(labelBecomes(pageLabel, QStringLiteral("1 / 2")));
+}
+
+TEST_F(ContentViewTest, EndsAnAnalysisWhoseDocumentIsClosedBeforeItIsRead)
+{
+    show();
+    post(documentOf(2));
+    click(*m_window, QStringLiteral("What is this document?"));
+    ASSERT_TRUE(state().isProcessing());
+    QTest::keyClick(m_window.get(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !state().isProcessing(); }));
+    EXPECT_TRUE(state().pageTexts()->empty());
 }
 
 TEST_F(ContentViewTest, CompletesAnOpenThatIsClosedAtOnce)
@@ -235,6 +287,9 @@ TEST_F(ContentViewTest, CompletesAnOpenThatIsClosedAtOnce)
     QTest::keyClick(m_window.get(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(state().url());
     EXPECT_TRUE(isCompleted(1));
+    EXPECT_TRUE(state().pageTexts()->empty());
+    EXPECT_EQ(
+        m_analytics.latest(EventType::textExtractionComplete, QStringLiteral("hasText")), QVariant(false));
 }
 
 TEST_F(ContentViewTest, CompletesAnOpenInAWindowThatNobodySees)

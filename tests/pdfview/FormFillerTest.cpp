@@ -170,6 +170,50 @@ TEST_F(FormFillerTest, TabLeavesTheViewAfterTheLastField)
     delete window;
 }
 
+TEST_F(FormFillerTest, AnEditorStaysWhileTheMenusHaveTheKeyboard)
+{
+    m_file.add("/FT/Tx/T(name)");
+    showForm();
+    click("name");
+    QPointer<QLineEdit> edit = editor<QLineEdit>();
+    ASSERT_NE(edit, nullptr);
+    QTest::keyClicks(edit, QStringLiteral("Jane"));
+    m_view->setFocus(Qt::MenuBarFocusReason);
+    ASSERT_FALSE(edit->hasFocus());
+    EXPECT_TRUE(edit->isVisible());
+    edit->setFocus(Qt::MenuBarFocusReason);
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_TRUE(m_view->hasFocus());
+    EXPECT_EQ(field("name").text, QString());
+}
+
+TEST_F(FormFillerTest, TheViewHasTheKeyboardWhenAnotherDocumentIsShown)
+{
+    m_file.add("/FT/Tx/T(name)");
+    showForm();
+    QWidget window;
+    // It comes before the view, so it is what the window turns to when nothing has the keyboard.
+    QPushButton button(&window);
+    m_view->setParent(&window);
+    window.resize(400, 600);
+    m_view->show();
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    click("name");
+    ASSERT_NE(editor<QLineEdit>(), nullptr);
+    QWidget dialog;
+    dialog.show();
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    m_view->setDocument(documentOf(colouredDocument(1)));
+    dialog.hide();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    EXPECT_TRUE(m_view->hasFocus());
+    m_view.reset();
+}
+
 TEST_F(FormFillerTest, ADocumentWithoutAFormLeavesTheTabKeyAlone)
 {
     show(colouredDocument(1));

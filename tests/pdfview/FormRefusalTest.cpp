@@ -49,6 +49,15 @@ protected:
         return {};
     }
 
+    QPushButton* noticeButton(const QString& text)
+    {
+        for (auto* button : m_view->findChildren<QPushButton*>()) {
+            if (button->text() == text && button->isVisible())
+                return button;
+        }
+        return nullptr;
+    }
+
     /// Whether the editor is still there with what was entered, and says so.
     void expectRefused()
     {
@@ -166,6 +175,33 @@ TEST_F(FormRefusalTest, WhatTheDocumentRefusesComesBackInAnEditor)
     EXPECT_EQ(edit->accessibleDescription(), notice());
     QTest::keyClick(edit, Qt::Key_Escape);
     EXPECT_TRUE(m_view->hasFocus());
+    EXPECT_EQ(notice(), QString());
+}
+
+TEST_F(FormRefusalTest, HandsARefusedTextOutWhenItsDocumentIsLeft)
+{
+    pasteTooMuch();
+    QTest::keyClick(m_edit, Qt::Key_Tab);
+    expectRefused();
+    QApplication::clipboard()->clear();
+    m_view->setDocument(documentOf(colouredDocument(1)));
+    EXPECT_TRUE(notice().contains(QStringLiteral("notes"))) << notice().toStdString();
+    EXPECT_FALSE(notice().contains(QStringLiteral("100,005")));
+    auto* copy = noticeButton(QStringLiteral("Copy Text"));
+    ASSERT_NE(copy, nullptr);
+    QTest::mouseClick(copy, Qt::LeftButton);
+    EXPECT_EQ(QApplication::clipboard()->text(), tooLong());
+    m_view->setDocument(documentOf(colouredDocument(1)));
+    EXPECT_EQ(notice(), QString());
+}
+
+TEST_F(FormRefusalTest, SaysNothingOfARefusedTextThatWasGivenUp)
+{
+    pasteTooMuch();
+    QTest::keyClick(m_edit, Qt::Key_Tab);
+    expectRefused();
+    QTest::keyClick(m_edit, Qt::Key_Escape);
+    m_view->setDocument(documentOf(colouredDocument(1)));
     EXPECT_EQ(notice(), QString());
 }
 

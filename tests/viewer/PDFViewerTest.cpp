@@ -10,10 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
 #include <QMenu>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
+
+#include <cstdio>
 
 namespace quillo {
 namespace {
@@ -354,6 +358,25 @@ TEST_F(PDFViewerTest, RecordsPageNavigationAndZoom)
     EXPECT_EQ(latest(EventType::zoom, "direction"), QStringLiteral("out"));
     EXPECT_EQ(latest(EventType::zoom, "level"), QVariant(1.0));
     EXPECT_EQ(m_analytics.types().size(), 4);
+}
+
+TEST_F(PDFViewerTest, KeepsWhatIsBeingTypedWhenAFileThatWasReplacedIsOpenedAgain)
+{
+    show();
+    const QUrl url = formDocument();
+    open(url);
+    QPointer<QLineEdit> editor = editField();
+    ASSERT_TRUE(editor);
+    QTest::keyClicks(editor, QStringLiteral("Typed"));
+    const QUrl other = documentOf(3);
+    ASSERT_EQ(std::rename(qPrintable(other.toLocalFile()), qPrintable(url.toLocalFile())), 0);
+    open(url);
+    EXPECT_EQ(view().pageCount(), 1);
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->text(), QStringLiteral("Typed"));
+    QTest::keyClick(editor, Qt::Key_Escape);
+    open(url);
+    EXPECT_EQ(view().pageCount(), 3) << "nothing is lost any more";
 }
 
 TEST_F(PDFViewerTest, NamesEveryButton)

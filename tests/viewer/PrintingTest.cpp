@@ -121,24 +121,10 @@ TEST_F(ViewerPrintingTest, PrintsTheDocumentAndRecordsIt)
 
 TEST_F(ViewerPrintingTest, PrintsWhatIsStillBeingTypedIntoAField)
 {
-    PDFWriter writer;
-    const int field = writer.add(
-        "<</Type/Annot/Subtype/Widget/FT/Tx/T(name)/F 4/DA(/Helv 12 Tf 0 g)/Rect[100 650 400 680]>>");
-    writer.addPage({}, "/Annots[" + QByteArray::number(field) + " 0 R]");
-    writer.setCatalog("/AcroForm<</Fields[" + QByteArray::number(field) + " 0 R]>>");
     showViewer();
-    open(QUrl::fromLocalFile(m_folder.write(QStringLiteral("form.pdf"), writer.bytes())));
-    m_viewer->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(m_viewer.get()));
-    QLineEdit* editor = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor([&] {
-        const auto toView = view().pageToView(0);
-        if (toView)
-            QTest::mouseClick(
-                view().viewport(), Qt::LeftButton, {}, toView->map(QPointF(250, 665)).toPoint());
-        editor = view().viewport()->findChild<QLineEdit*>();
-        return editor != nullptr;
-    }));
+    open(formDocument());
+    QLineEdit* editor = editField();
+    ASSERT_TRUE(editor);
     QTest::keyClicks(editor, QStringLiteral("Typed"));
     printTo(target());
     ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(target()); }, patience));

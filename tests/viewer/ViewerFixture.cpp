@@ -5,6 +5,7 @@
 #include "support/Widgets.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -32,6 +33,16 @@ QUrl ViewerFixture::encryptedDocument(const QString& password, const QString& na
     return QUrl::fromLocalFile(encrypted);
 }
 
+QUrl ViewerFixture::formDocument(const QString& name)
+{
+    PDFWriter writer;
+    const int field = writer.add(
+        "<</Type/Annot/Subtype/Widget/FT/Tx/T(name)/F 4/DA(/Helv 12 Tf 0 g)/Rect[100 650 400 680]>>");
+    writer.addPage({}, "/Annots[" + QByteArray::number(field) + " 0 R]");
+    writer.setCatalog("/AcroForm<</Fields[" + QByteArray::number(field) + " 0 R]>>");
+    return QUrl::fromLocalFile(m_folder.write(name, writer.bytes()));
+}
+
 void ViewerFixture::show()
 {
     m_viewer = std::make_unique<PDFViewer>(&m_state, m_analytics.service());
@@ -55,6 +66,22 @@ void ViewerFixture::showDocument(int pageCount)
     show();
     m_state.setTotalPages(pageCount);
     open(documentOf(pageCount));
+}
+
+QLineEdit* ViewerFixture::editField()
+{
+    m_viewer->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(m_viewer.get()));
+    QLineEdit* editor = nullptr;
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        const auto toView = view().pageToView(0);
+        if (toView)
+            QTest::mouseClick(
+                view().viewport(), Qt::LeftButton, {}, toView->map(QPointF(250, 665)).toPoint());
+        editor = view().viewport()->findChild<QLineEdit*>();
+        return editor != nullptr;
+    }));
+    return editor;
 }
 
 pdf::PDFView& ViewerFixture::view() const

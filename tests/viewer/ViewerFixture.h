@@ -11,6 +11,8 @@
 
 #include <memory>
 
+class QLineEdit;
+
 namespace quillo {
 
 /// A viewer in a window on a document state of its own.
@@ -21,6 +23,8 @@ protected:
     QUrl documentOf(int pageCount, const QString& name = QStringLiteral("document.pdf"));
     /// The same, to be opened with the password only.
     QUrl encryptedDocument(const QString& password, const QString& name = QStringLiteral("encrypted.pdf"));
+    /// A page with one form field.
+    QUrl formDocument(const QString& name = QStringLiteral("form.pdf"));
 
     /// Opens the window.
     void show();
@@ -28,6 +32,8 @@ protected:
     void open(const QUrl& url);
     /// open() of a document with so many pages, in a new window.
     void showDocument(int pageCount);
+    /// Clicks at the field of formDocument() until it has an editor; null when none comes.
+    QLineEdit* editField();
 
     pdf::PDFView& view() const;
     /// The text of the label that a screen reader calls by this name.
