@@ -34,6 +34,7 @@ bool MenuKeys::eventFilter(QObject* watched, QEvent* event)
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
     case QEvent::MouseButtonPress:
+    case QEvent::Wheel:
     case QEvent::MouseMove:
     case QEvent::WindowDeactivate:
     case QEvent::Hide:

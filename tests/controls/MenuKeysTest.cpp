@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace quillo {
 namespace {
@@ -135,6 +136,13 @@ TEST_F(MenuKeysTest, AltWithAnotherKeyIsNotAltAlone)
 
     QTest::keyPress(m_edit, Qt::Key_Alt, Qt::AltModifier);
     QTest::mouseClick(m_edit, Qt::LeftButton, Qt::AltModifier);
+    QTest::keyRelease(m_edit, Qt::Key_Alt);
+    EXPECT_TRUE(m_edit->hasFocus());
+
+    QTest::keyPress(m_edit, Qt::Key_Alt, Qt::AltModifier);
+    QWheelEvent wheel(
+        {5, 5}, m_edit->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, {}, Qt::AltModifier, {}, false);
+    QApplication::sendEvent(m_edit, &wheel);
     QTest::keyRelease(m_edit, Qt::Key_Alt);
     EXPECT_TRUE(m_edit->hasFocus());
 }
