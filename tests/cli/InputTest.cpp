@@ -58,6 +58,19 @@ TEST(PipedInputTest, ADocumentIsReadLikeItsFile)
     EXPECT_THAT(both.output.toStdString(), HasSubstr("{\"file\":\"-\","));
 }
 
+TEST(PipedInputTest, ADocumentThatIsCutShortIsAnErrorAndNoPart)
+{
+    for (const char* script :
+         {"head -c 5000 \"$1\" | \"$0\" text -", "head -c 30000 \"$1\" | \"$0\" text -",
+          "head -c -200 \"$1\" | \"$0\" text --json -"}) {
+        const ProgramRun run = runShell(script, {sample("manual.pdf")});
+        EXPECT_EQ(run.status, 1) << script;
+        EXPECT_EQ(run.output, QByteArray()) << script;
+        EXPECT_EQ(run.errors, QByteArray("quillo-cli: -: it is cut short: the mark of its end is missing\n"))
+            << script;
+    }
+}
+
 TEST(PipedInputTest, NothingAndWhatIsNoDocumentAreErrors)
 {
     for (const char* content : {"", "This is no PDF."}) {
