@@ -91,6 +91,19 @@ TEST(PipedInputTest, AnInputThatCannotBeReadIsAnErrorAndNoEmptyText)
     }
 }
 
+TEST(PipedInputTest, NothingTakesThePlaceOfAClosedStream)
+{
+    // Of these, the document would have got the text written over it.
+    const TestFolder folder;
+    const QString copy = folder.path(QStringLiteral("copy.pdf"));
+    const ProgramRun run = runShell(
+        "cp \"$1\" \"$2\"; \"$0\" text \"$2\" >&-; echo $?; \"$0\" text \"$2\" <&- >&-; echo $?; "
+        "\"$0\" text - <\"$2\" >&- 2>&-; echo $?; cmp \"$1\" \"$2\"",
+        {sample("letter.pdf"), copy});
+    EXPECT_EQ(run.output, QByteArray("1\n1\n1\n"));
+    EXPECT_EQ(run.errors, QByteArray("quillo-cli: standard output: Bad file descriptor\n").repeated(2));
+}
+
 TEST(PipedInputTest, AFullDiskIsReported)
 {
     // A file of this process may grow to a few blocks only.
