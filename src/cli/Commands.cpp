@@ -147,6 +147,7 @@ ExitStatus runCommand(const Options& options, Output& output, Output& errors)
 
     std::optional<QString> password = options.password;
     if (options.passwordFile) {
+        interruption.nameInput(*options.passwordFile);
         const auto read = readPasswordFile(*options.passwordFile);
         if (!read) {
             report(errors, *options.passwordFile, read.error().message);

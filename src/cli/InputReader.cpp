@@ -31,8 +31,7 @@ QString decoded(QByteArrayView bytes)
 }
 
 /// Asks for a password where one is needed and none was given.
-pdf::Result<PDFTextExtractor::Reading>
-readUnlocked(
+pdf::Result<PDFTextExtractor::Reading> readUnlocked(
     const QString& path, const QString& name, const std::optional<QString>& password,
     const ReadingOptions& options)
 {
@@ -90,7 +89,14 @@ readInput(const Input& input, const std::optional<QString>& password, const Read
     const auto spooled = SpooledInput::read(*standardInput, maximumSpooledBytes);
     if (!spooled)
         return spooled.error();
-    return readUnlocked(spooled->path(), input.path, password, options);
+    auto reading = readUnlocked(spooled->path(), input.path, password, options);
+    // The program that writes into a pipe may fail half-way. A damaged file is repaired, and the beginning of
+    // one would then pass for a whole.
+    if (reading && !spooled->hasEndMark())
+        return pdf::PDFError{
+            pdf::PDFError::Code::unreadable,
+            QCoreApplication::translate("quillo::cli", "it is cut short: the mark of its end is missing")};
+    return reading;
 }
 
 } // namespace quillo::cli

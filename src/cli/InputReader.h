@@ -12,9 +12,10 @@
 
 namespace quillo::cli {
 
-/// Reads the pages of a PDF, as the options say, or of plain text, of which there is a limit. Where a PDF needs
-/// a password and none is given, the user is asked at most three times. The error's message is a reason that
-/// fits behind the file's name.
+/// Reads the pages of a PDF, as the options say, or of plain text, of which there is a limit. Where a PDF
+/// needs a password and none is given, the user is asked at most three times. A PDF that comes through
+/// standard input without its end is an error. The error's message is a reason that fits behind the file's
+/// name.
 pdf::Result<PDFTextExtractor::Reading>
 readInput(const Input& input, const std::optional<QString>& password, const ReadingOptions& options);
 

@@ -2,6 +2,7 @@
 #include "cli/Interruption.h"
 
 #include "cli/Commands.h"
+#include "cli/PasswordQuestion.h"
 #include "cli/Progress.h"
 #include "cli/SafeText.h"
 
@@ -119,6 +120,7 @@ void Interruption::watch()
 void Interruption::endByTimeLimit()
 {
     m_progress.end();
+    abandonQuestion();
     const std::lock_guard lock(m_mutex);
     const QString message = QCoreApplication::translate("quillo::cli", "the time limit of %1 s is over")
                                 .arg(m_timeLimit->count());

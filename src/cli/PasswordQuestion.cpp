@@ -14,6 +14,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <mutex>
 
 namespace quillo::cli {
 namespace {
@@ -105,24 +106,35 @@ private:
     std::array<struct sigaction, caughtSignals.size()> m_before = {};
 };
 
-/// Keeps what is typed from being shown as long as it lives. What was typed before is thrown away.
+void show(int terminal, const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    [[maybe_unused]] const ssize_t count =
+        ::write(terminal, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+}
+
+/// Keeps what is typed from being shown as long as it lives, or until the question is abandoned. What was
+/// typed before is thrown away.
 class HiddenTyping
 {
 public:
     explicit HiddenTyping(int terminal)
         : m_terminal(terminal)
-        , m_isKnown(::tcgetattr(terminal, &m_before) == 0)
     {
+        const std::lock_guard lock(mutex());
+        m_isKnown = ::tcgetattr(terminal, &m_before) == 0;
         termios hidden = m_before;
         hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
         hidden.c_lflag |= ICANON | ISIG;
         m_isHidden = m_isKnown && ::tcsetattr(terminal, TCSAFLUSH, &hidden) == 0;
+        current = this;
     }
 
     ~HiddenTyping()
     {
-        if (m_isKnown)
-            ::tcsetattr(m_terminal, TCSADRAIN, &m_before);
+        const std::lock_guard lock(mutex());
+        current = nullptr;
+        restore();
     }
 
     HiddenTyping(const HiddenTyping&) = delete;
@@ -130,10 +142,36 @@ public:
 
     bool isHidden() const { return m_isHidden; }
 
+    /// Restores the terminal for a process that ends now. The lock is never given back, so that no question
+    /// hides the typing again.
+    static void abandon()
+    {
+        mutex().lock();
+        if (!current)
+            return;
+        // What the question has left of its line.
+        show(current->m_terminal, QStringLiteral("\n"));
+        current->restore();
+    }
+
 private:
+    static std::mutex& mutex()
+    {
+        static auto* const mutex = new std::mutex;
+        return *mutex;
+    }
+
+    void restore() const
+    {
+        if (m_isKnown)
+            ::tcsetattr(m_terminal, TCSADRAIN, &m_before);
+    }
+
+    static inline HiddenTyping* current = nullptr;
+
     const int m_terminal;
     termios m_before = {};
-    const bool m_isKnown;
+    bool m_isKnown = false;
     bool m_isHidden = false;
 };
 
@@ -144,13 +182,6 @@ struct Answer
     /// The signal that came instead of an answer; 0 for none.
     int signal = 0;
 };
-
-void show(int terminal, const QString& text)
-{
-    const QByteArray bytes = text.toUtf8();
-    [[maybe_unused]] const ssize_t count =
-        ::write(terminal, bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
 
 /// Waits for a line or a signal.
 Answer readLine(int terminal, const CaughtSignals& signals)
@@ -208,10 +239,16 @@ std::optional<QString> askForPassword(const QString& fileName, bool isRepeated)
         if (answer.signal == 0)
             return answer.password;
         ::kill(::getpid(), answer.signal);
-        // Who was stopped and goes on is asked again.
-        if (answer.signal != SIGTSTP)
-            return std::nullopt;
+        // Who was stopped and goes on is asked again. Everything else ends the process, if by another thread;
+        // there must be no time to take the missing answer for a refusal and to go on.
+        while (answer.signal != SIGTSTP)
+            ::pause();
     }
+}
+
+void abandonQuestion()
+{
+    HiddenTyping::abandon();
 }
 
 } // namespace quillo::cli

@@ -15,4 +15,8 @@ namespace quillo::cli {
 /// signal meanwhile. The signal then takes its usual course.
 std::optional<QString> askForPassword(const QString& fileName, bool isRepeated);
 
+/// Shows again what is typed, for who ends the process from another thread while a question may be open. No
+/// question can be asked afterwards.
+void abandonQuestion();
+
 } // namespace quillo::cli

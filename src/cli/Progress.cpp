@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <string_view>
 
 namespace quillo::cli {
 namespace {
@@ -80,23 +81,38 @@ void Progress::begin(std::int64_t pageCount)
 
 void Progress::end()
 {
+    constexpr std::string_view spaces = "                    ";
     const std::lock_guard lock(m_mutex);
     m_pageCount = 0;
-    if (m_drawnColumns > 0)
-        writeToStandardError('\r' + QByteArray(m_drawnColumns, ' ') + '\r');
+    if (m_drawnColumns > 0) {
+        writeToStandardError("\r");
+        for (int left = m_drawnColumns; left > 0; left -= static_cast<int>(spaces.size()))
+            writeToStandardError({spaces.data(), std::min<qsizetype>(left, spaces.size())});
+        writeToStandardError("\r");
+    }
     m_drawnColumns = 0;
 }
 
 void Progress::draw()
 {
-    const std::lock_guard lock(m_mutex);
-    if (!m_isTerminal || isInBackground() || m_pageCount == 0 || Clock::now() - m_start < delay)
-        return;
     const int columns = columnsOfStandardError();
-    const QByteArray line = progressLine(m_pagesRead, m_pageCount, columns).toUtf8();
-    writeToStandardError('\r' + line);
+    const auto pageCount = pageCountToDraw();
+    if (pageCount == 0)
+        return;
+    const QByteArray line = '\r' + progressLine(m_pagesRead, pageCount, columns).toUtf8();
+    const std::lock_guard lock(m_mutex);
+    if (m_pageCount != pageCount)
+        return;
+    writeToStandardError(line);
     // What the user types is echoed behind the line, "^C" for one, and goes with it.
     m_drawnColumns = std::max(columns - 1, 0);
+}
+
+std::int64_t Progress::pageCountToDraw()
+{
+    const std::lock_guard lock(m_mutex);
+    const bool isTime = m_isTerminal && !isInBackground() && Clock::now() - m_start >= delay;
+    return isTime ? m_pageCount : 0;
 }
 
 void Progress::eraseCurrent()

@@ -42,9 +42,13 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    /// 0 when it is not time to draw.
+    std::int64_t pageCountToDraw();
+
     const bool m_isTerminal;
     std::atomic<std::int64_t> m_pagesRead = 0;
 
+    /// No memory is asked for while it is held: the thread that finds none left erases the line.
     std::mutex m_mutex;
     /// 0 while nothing is read.
     std::int64_t m_pageCount = 0;

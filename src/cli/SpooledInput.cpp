@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <vector>
@@ -80,6 +81,15 @@ SpooledInput::~SpooledInput()
 QString SpooledInput::path() const
 {
     return QStringLiteral("/dev/fd/%1").arg(m_descriptor);
+}
+
+bool SpooledInput::hasEndMark() const
+{
+    std::array<char, 1024> tail = {};
+    const auto length = static_cast<off_t>(tail.size());
+    const off_t size = ::lseek(m_descriptor, 0, SEEK_END);
+    const ssize_t count = ::pread(m_descriptor, tail.data(), tail.size(), std::max<off_t>(size - length, 0));
+    return count > 0 && QByteArrayView(tail.data(), count).contains("%%EOF");
 }
 
 } // namespace quillo::cli

@@ -29,6 +29,9 @@ public:
     /// A path by which this process can open the file as often as it likes.
     QString path() const;
 
+    /// Whether the mark that ends a PDF stands where readers look for it, in the last kilobyte.
+    bool hasEndMark() const;
+
 private:
     explicit SpooledInput(int descriptor)
         : m_descriptor(descriptor)

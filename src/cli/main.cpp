@@ -9,6 +9,9 @@
 
 #include <QCoreApplication>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -37,12 +40,25 @@ ExitStatus runArguments(const QStringList& arguments, Output& output, Output& er
     return runCommand(std::get<Options>(parsed), output, errors);
 }
 
+/// Puts something that can neither be read nor written in the place of every standard stream that is closed,
+/// so that no file, pipe or copy of ours is ever taken for one.
+void occupyStandardStreams()
+{
+    int descriptor = -1;
+    do {
+        descriptor = ::open("/", O_PATH);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0)
+        ::close(descriptor);
+}
+
 } // namespace
 
 // There is no application object: nothing here needs an event loop, and its start would cost more than the
 // rest.
 int main(int argc, char** argv)
 {
+    occupyStandardStreams();
     // Whoever reads our output may stop when it has enough; the next write then fails instead of killing us.
     std::signal(SIGPIPE, SIG_IGN);
     // A file that grows beyond what this process may write is reported like a full disk.

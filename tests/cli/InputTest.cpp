@@ -58,6 +58,19 @@ TEST(PipedInputTest, ADocumentIsReadLikeItsFile)
     EXPECT_THAT(both.output.toStdString(), HasSubstr("{\"file\":\"-\","));
 }
 
+TEST(PipedInputTest, ADocumentThatIsCutShortIsAnErrorAndNoPart)
+{
+    for (const char* script :
+         {"head -c 5000 \"$1\" | \"$0\" text -", "head -c 30000 \"$1\" | \"$0\" text -",
+          "head -c -200 \"$1\" | \"$0\" text --json -"}) {
+        const ProgramRun run = runShell(script, {sample("manual.pdf")});
+        EXPECT_EQ(run.status, 1) << script;
+        EXPECT_EQ(run.output, QByteArray()) << script;
+        EXPECT_EQ(run.errors, QByteArray("quillo-cli: -: it is cut short: the mark of its end is missing\n"))
+            << script;
+    }
+}
+
 TEST(PipedInputTest, NothingAndWhatIsNoDocumentAreErrors)
 {
     for (const char* content : {"", "This is no PDF."}) {
@@ -76,6 +89,19 @@ TEST(PipedInputTest, AnInputThatCannotBeReadIsAnErrorAndNoEmptyText)
         EXPECT_EQ(run.output, QByteArray()) << script;
         EXPECT_THAT(run.errors.toStdString(), ContainsRegex("^quillo-cli: -: .+\n$")) << script;
     }
+}
+
+TEST(PipedInputTest, NothingTakesThePlaceOfAClosedStream)
+{
+    // Of these, the document would have got the text written over it.
+    const TestFolder folder;
+    const QString copy = folder.path(QStringLiteral("copy.pdf"));
+    const ProgramRun run = runShell(
+        "cp \"$1\" \"$2\"; \"$0\" text \"$2\" >&-; echo $?; \"$0\" text \"$2\" <&- >&-; echo $?; "
+        "\"$0\" text - <\"$2\" >&- 2>&-; echo $?; cmp \"$1\" \"$2\"",
+        {sample("letter.pdf"), copy});
+    EXPECT_EQ(run.output, QByteArray("1\n1\n1\n"));
+    EXPECT_EQ(run.errors, QByteArray("quillo-cli: standard output: Bad file descriptor\n").repeated(2));
 }
 
 TEST(PipedInputTest, AFullDiskIsReported)

@@ -51,6 +51,18 @@ TEST_F(InterruptionTest, SoDoesTermination)
     expectEndBy(SIGTERM);
 }
 
+TEST_F(InterruptionTest, ASignalThatWasIgnoredAtTheStartStaysIgnored)
+{
+    // What the program starts with is what this process has.
+    const auto before = std::signal(SIGINT, SIG_IGN);
+    TerminalRun run({QStringLiteral("text"), QStringLiteral("--time-limit=1"), slowDocument(100)}, 60);
+    std::signal(SIGINT, before);
+    ASSERT_TRUE(run.receives("page 0 of 101")) << run.bytes().toStdString();
+    run.sendSignal(SIGINT);
+    const int status = run.waitForEnd();
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+}
+
 TEST_F(InterruptionTest, AShellSeesTheUsualStatus)
 {
     QProcess shell;

@@ -129,8 +129,28 @@ TEST_F(PasswordTest, TheTerminalIsRestoredWhenTheQuestionIsInterrupted)
     const auto status = session.waitForEnd();
     ASSERT_TRUE(status);
     EXPECT_TRUE(session.echoes());
-    EXPECT_NE(*status, 0);
-    EXPECT_THAT(session.shown().toStdString(), Not(HasSubstr("INV-204817")));
+    EXPECT_TRUE(WIFSIGNALED(*status) && WTERMSIG(*status) == SIGINT) << *status;
+    EXPECT_EQ(session.shown().toStdString(), question + m_path.toStdString() + ": \n") << "no complaint";
+}
+
+TEST_F(PasswordTest, TheTerminalIsRestoredWhenTheTimeIsOver)
+{
+    TerminalSession session({QStringLiteral("text"), QStringLiteral("--time-limit=1"), m_path});
+    ASSERT_TRUE(session.shows(question));
+    const auto status = session.waitForEnd();
+    ASSERT_TRUE(status);
+    EXPECT_TRUE(session.echoes());
+    EXPECT_TRUE(WIFEXITED(*status) && WEXITSTATUS(*status) == 1);
+    EXPECT_THAT(session.shown().toStdString(), HasSubstr(": \nquillo-cli: " + m_path.toStdString()));
+}
+
+TEST_F(PasswordTest, ATimeLimitNamesThePasswordFileThatIsWaitedFor)
+{
+    const ProgramRun run = runShell(
+        "mkfifo \"$2\"; \"$0\" text --time-limit 0.3 --password-file \"$2\" \"$1\"",
+        {m_path, m_folder.path(QStringLiteral("fifo"))});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.errors.toStdString(), HasSubstr("/fifo: the time limit of 0.3 s is over"));
 }
 
 TEST_F(PasswordTest, TheEndOfTheInputIsNoAnswer)

@@ -151,14 +151,14 @@ TEST(InsightJsonTest, WritesThisTextAndReadsIt)
     const char* text =
         R"json({"documentType":"Bill / Invoice","confidence":0.25,"evidence":["Found 'invoice'"],)json"
         R"json("actionRequired":{"required":true,"reasons":[{"type":"Due Date",)json"
-        R"json("description":"Due date found: Jan 15, 2024","pageNumber":2,"dueDate":726969600.0}]},)json"
+        R"json("description":"Due date found: Jan 15, 2024","pageNumber":2,"dueDate":726969600.123456}]},)json"
         R"json("extractedItems":[{"id":"6F9619FF-8B86-D011-B42D-00CF4FC964FF","type":"amount",)json"
         R"json("value":"$1,234.50","confidence":0.95,"pageNumber":1,)json"
         R"json("sourceSnippet":"...pay $1,234.50 now...",)json"
-        R"json("boundingBox":[[10.5,20.0],[30.0,12.0]]}],"summary":"A bill."})json";
+        R"json("boundingBox":[[10.5,20],[30,12]]}],"summary":"A bill."})json";
     DocumentInsight insight = sampleInsight();
     insight.extractedItems[0].id = QUuid(QStringLiteral("6f9619ff-8b86-d011-b42d-00cf4fc964ff"));
-    EXPECT_EQ(toJson(insight), parseJson(text)) << toJsonText(toJson(insight)).toStdString();
+    EXPECT_EQ(toJsonText(toJson(insight)), QByteArray(text));
 
     const DocumentInsight readBack = documentInsightFromJson(parseJson(text));
     EXPECT_EQ(readBack.summary, QStringLiteral("A bill."));
