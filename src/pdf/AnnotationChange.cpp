@@ -62,7 +62,11 @@ void AnnotationChange::beginAppearance(fz_context* ctx, pdf_obj* annotation)
     touch(ctx, annotation);
     const int first = pdf_xref_len(ctx, m_document.document);
     const int number = pdf_to_num(ctx, annotation);
-    engine::translated(ctx, [&] { m_appearances.push_back({number, {first, first}, true}); });
+    engine::translated(ctx, [&] {
+        // The commit finds it there and needs no memory.
+        m_document.appearances.try_emplace(number);
+        m_appearances.push_back({number, {first, first}, true});
+    });
 }
 
 void AnnotationChange::endAppearance(fz_context* ctx)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdf/AnnotationLog.h"
 
+#include <new>
+
 namespace pdf {
 
 void AnnotationLog::note(int object)
@@ -9,10 +11,15 @@ void AnnotationLog::note(int object)
         noteAll();
         return;
     }
-    Stamp& stamp = m_stamps[object];
-    m_objects.erase(stamp);
-    stamp = ++m_now;
-    m_objects.emplace(stamp, object);
+    try {
+        Stamp& stamp = m_stamps[object];
+        m_objects.erase(stamp);
+        stamp = ++m_now;
+        m_objects.emplace(stamp, object);
+    } catch (const std::bad_alloc&) {
+        // Without the memory to say which one it is, it may be any.
+        noteAll();
+    }
 }
 
 void AnnotationLog::noteAll()

@@ -18,6 +18,7 @@ public:
     Stamp now() const { return m_now; }
 
     /// The annotation with this object number looks or lies differently. One without a number may be any.
+    /// Never fails.
     void note(int object);
     /// Annotations were added to a page or taken from one.
     void noteLists() { m_lists = ++m_now; }

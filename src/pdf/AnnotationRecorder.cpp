@@ -27,6 +27,11 @@ void dropPage(pdf_page* page)
         fz_drop_page(engine::context(), &page->super);
 }
 
+struct PageDropper
+{
+    void operator()(pdf_page* page) const { dropPage(page); }
+};
+
 } // namespace
 
 AnnotationRecorder::AnnotationRecorder(DocumentHandle& document)
@@ -113,18 +118,17 @@ bool AnnotationRecorder::dropChanged(Page& page, CookieScope& scope) const
 /// Takes over the lists that there are.
 std::optional<PDFError> AnnotationRecorder::load(Page& page, PageHandle& handle, CookieScope& scope) const
 {
-    pdf_page* loaded = nullptr;
+    std::unique_ptr<pdf_page, PageDropper> loaded;
     if (auto error = engine::attempt(scope, [&](fz_context* ctx) {
-            loaded = handle.loadContents(ctx);
-            fz_keep_page(ctx, &loaded->super);
-        })) {
-        dropPage(loaded);
+            pdf_page* contents = handle.loadContents(ctx);
+            fz_keep_page(ctx, &contents->super);
+            loaded.reset(contents);
+        }))
         return error;
-    }
     std::vector<Piece> pieces;
     std::unordered_map<int, std::size_t> places;
     fz_context* ctx = engine::context();
-    for (pdf_annot* first : {pdf_first_annot(ctx, loaded), pdf_first_widget(ctx, loaded)}) {
+    for (pdf_annot* first : {pdf_first_annot(ctx, loaded.get()), pdf_first_widget(ctx, loaded.get())}) {
         for (pdf_annot* annotation = first; annotation; annotation = pdf_next_annot(ctx, annotation)) {
             const int number = pdf_to_num(ctx, pdf_annot_obj(ctx, annotation));
             const auto old = number == 0 ? page.places.end() : page.places.find(number);
@@ -134,10 +138,12 @@ std::optional<PDFError> AnnotationRecorder::load(Page& page, PageHandle& handle,
                 {annotation, number, old == page.places.end() ? nullptr : page.pieces[old->second].list});
         }
     }
-    dropPage(std::exchange(page.page, loaded));
+    std::vector<std::shared_ptr<const ListGroup>> groups((pieces.size() + groupSize - 1) / groupSize);
+    // From here on nothing fails: the parts fit together, or are those from before.
+    dropPage(std::exchange(page.page, loaded.release()));
     page.pieces = std::move(pieces);
     page.places = std::move(places);
-    page.groups.assign((page.pieces.size() + groupSize - 1) / groupSize, nullptr);
+    page.groups = std::move(groups);
     page.stamp = m_document.annotationLog.now();
     return std::nullopt;
 }

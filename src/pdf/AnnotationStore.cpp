@@ -92,11 +92,12 @@ AnnotationStore::Entry&
 AnnotationStore::insert(const std::shared_ptr<PDFAnnotation>& annotation, int pageIndex, ObjectHandle object)
 {
     erase(annotation.get());
-    m_names.emplace(nameOf(object.get()), annotation.get());
     Entry& entry = m_entries[annotation.get()];
     entry.annotation = annotation;
     entry.pageIndex = pageIndex;
     entry.object = std::move(object);
+    // Last, so that where there is no memory for it no name is left that stands for no entry.
+    m_names.emplace(nameOf(entry.object.get()), annotation.get());
     return entry;
 }
 
@@ -133,33 +134,64 @@ pdf_obj* AnnotationStore::pageObject(fz_context* ctx, int pageIndex)
 
 std::optional<PDFError> AnnotationStore::flush(CookieScope& scope)
 {
-    std::vector<std::shared_ptr<PDFAnnotation>> pending;
+    std::list<std::shared_ptr<PDFAnnotation>> pending;
     {
         const std::lock_guard lock(m_pendingMutex);
         pending.swap(m_pending);
-        m_isPending.clear();
-    }
-    std::optional<PDFError> firstError;
-    for (auto& annotation : pending) {
-        // An operation that was stopped changes nothing any more.
-        auto error = scope.interruption();
-        if (!error)
-            error = flush(*annotation, scope);
-        if (!error)
-            continue;
-        enqueue(std::move(annotation));
-        if (!firstError)
-            firstError = std::move(error);
     }
     // Whatever was made of the pages before is out of date.
     if (!pending.empty())
         ++m_document.changes;
+    std::optional<PDFError> firstError;
+    std::list<std::shared_ptr<PDFAnnotation>> failed;
+    while (!pending.empty()) {
+        PDFAnnotation& next = *pending.front();
+        std::set<const PDFAnnotation*>::node_type name;
+        {
+            // Whatever is done to it from now on has it flushed again.
+            const std::lock_guard lock(m_pendingMutex);
+            name = m_isPending.extract(&next);
+        }
+        // An operation that was stopped changes nothing any more.
+        auto error = scope.interruption();
+        if (!error)
+            error = flush(next, scope);
+        if (!error) {
+            pending.pop_front();
+            continue;
+        }
+        if (!firstError)
+            firstError = std::move(error);
+        const std::lock_guard lock(m_pendingMutex);
+        if (m_isPending.insert(std::move(name)).inserted)
+            failed.splice(failed.end(), pending, pending.begin());
+        else
+            pending.pop_front();
+    }
+    const std::lock_guard lock(m_pendingMutex);
+    m_pending.splice(m_pending.begin(), failed);
     return firstError;
 }
 
 std::optional<PDFError> AnnotationStore::flush(PDFAnnotation& annotation, CookieScope& scope)
 {
     const State state = takeState(annotation);
+    std::optional<PDFError> error;
+    // Drawing calls what others have written, and takes memory. What it throws is an error, too.
+    if (auto failure =
+            engine::attemptLastStep(scope, [&](fz_context*) { error = write(annotation, state, scope); }))
+        error = std::move(failure);
+    if (!error)
+        return std::nullopt;
+    giveBack(annotation, state.changes);
+    if (const Entry* entry = find(annotation); entry && !entry->isOnPage)
+        discard(annotation, *entry);
+    return error;
+}
+
+std::optional<PDFError>
+AnnotationStore::write(PDFAnnotation& annotation, const State& state, CookieScope& scope)
+{
     Entry* entry = find(annotation);
     std::optional<PDFError> error;
     if (entry && entry->pageIndex != state.pageIndex) {
@@ -173,8 +205,6 @@ std::optional<PDFError> AnnotationStore::flush(PDFAnnotation& annotation, Cookie
             error = writeFound(annotation, state, *entry, scope);
         // One from the file that was taken from its page is gone from the document for good.
     }
-    if (error)
-        giveBack(annotation, state.changes);
     return error;
 }
 
@@ -271,7 +301,8 @@ AnnotationStore::annotationOf(const Found& found, int pageIndex, const std::shar
     annotation->m_properties.isReadOnly = found.isReadOnly;
     annotation->m_document = document;
     annotation->m_pageIndex = pageIndex;
-    insert(annotation, pageIndex, ObjectHandle(pdf_keep_obj(engine::context(), found.object)));
+    insert(annotation, pageIndex, ObjectHandle(pdf_keep_obj(engine::context(), found.object))).isOnPage =
+        true;
     return annotation;
 }
 

@@ -10,11 +10,12 @@
 #include <mupdf/pdf.h>
 
 #include <cstddef>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace pdf {
@@ -36,7 +37,7 @@ public:
     // Under the document's lock.
 
     /// Brings the document up to date. What could not be done for an error leaves the document as it was and
-    /// is tried again by the next call.
+    /// is tried again by the next call, in its turn.
     std::optional<PDFError> flush(CookieScope& scope);
 
     /// All annotations of a page in the order in which they are drawn. Those that cannot be read are left
@@ -73,6 +74,8 @@ private:
         std::weak_ptr<PDFAnnotation> annotation;
         int pageIndex = -1;
         ObjectHandle object;
+        /// False while one that is made here has not got as far as its page.
+        bool isOnPage = false;
         /// Of one that was made here, the size that its appearance has.
         QSizeF drawnSize;
     };
@@ -107,6 +110,7 @@ private:
     void erase(const PDFAnnotation* annotation);
     void forgetReleased();
     std::optional<PDFError> flush(PDFAnnotation& annotation, CookieScope& scope);
+    std::optional<PDFError> write(PDFAnnotation& annotation, const State& state, CookieScope& scope);
     std::optional<PDFError> remove(const PDFAnnotation& annotation, Entry& entry, CookieScope& scope);
     std::optional<PDFError>
     writeFound(const PDFAnnotation& annotation, const State& state, const Entry& entry, CookieScope& scope);
@@ -129,9 +133,10 @@ private:
     std::unordered_multimap<Name, const PDFAnnotation*, NameHash> m_names;
 
     std::mutex m_pendingMutex;
-    std::vector<std::shared_ptr<PDFAnnotation>> m_pending;
+    // In containers that take an element back without needing memory for it.
+    std::list<std::shared_ptr<PDFAnnotation>> m_pending;
     /// The same, to be looked up.
-    std::unordered_set<const PDFAnnotation*> m_isPending;
+    std::set<const PDFAnnotation*> m_isPending;
 };
 
 } // namespace pdf

@@ -128,12 +128,10 @@ AnnotationStore::writeOwn(PDFAnnotation& annotation, const State& state, Entry* 
         error = engine::attemptLastStep(scope, [&](fz_context* ctx) {
             annotations::attach(ctx, m_document.document, pageObject(ctx, state.pageIndex), object, content);
         });
-    if (error) {
-        if (isNew)
-            discard(annotation, *entry);
+    if (error)
         return error;
-    }
     change.commit();
+    entry->isOnPage = true;
     entry->drawnSize = size;
     if (isNew)
         m_document.annotationLog.noteLists();

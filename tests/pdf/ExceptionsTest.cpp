@@ -18,6 +18,7 @@
 #include <future>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 // C++ exceptions where MuPDF is at work.
 namespace pdf {
@@ -299,6 +300,86 @@ TEST_P(MemoryShortageTest, LeavesTheEngineAsItWas)
     }
     EXPECT_EQ(ownMemory(), before);
     EXPECT_TRUE(areLocksFree());
+}
+
+/// A form field that is placed while there is no memory for it.
+class PlacingInMemoryShortageTest : public testing::Test
+{
+protected:
+    void SetUp() override { m_folder.write(QStringLiteral("document.pdf"), someDocument().bytes()); }
+
+    const TestFolder m_folder;
+};
+
+TEST_F(PlacingInMemoryShortageTest, LosesNothingThatWaits)
+{
+    bool hasFailed = true;
+    int request = 0;
+    while (hasFailed && !HasFailure()) {
+        const auto document = *PDFDocument::open(m_folder.path(QStringLiteral("document.pdf")));
+        const auto page = document->page(1);
+        const auto first =
+            std::make_shared<PDFAnnotation>(QRectF(10, 10, 90, 20), PDFAnnotation::Subtype::widget);
+        const auto second =
+            std::make_shared<PDFAnnotation>(QRectF(10, 40, 90, 20), PDFAnnotation::Subtype::widget);
+        first->setWidgetStringValue(QStringLiteral("Ada"));
+        second->setWidgetStringValue(QStringLiteral("Grace"));
+        page->addAnnotation(first);
+        page->addAnnotation(second);
+        {
+            const FailingMemory memory(++request);
+            try {
+                static_cast<void>(page->formFields());
+            } catch (const std::bad_alloc&) {
+                // Outside of MuPDF an exception is an exception.
+            }
+            hasFailed = memory.hasFailed();
+        }
+        const auto annotations = page->annotations();
+        ASSERT_EQ(annotations.size(), 2u) << "after request " << request;
+        EXPECT_EQ(annotations[0], first) << "after request " << request;
+        EXPECT_EQ(annotations[1], second) << "after request " << request;
+        EXPECT_EQ(page->string(), QStringLiteral("The second page has others\nGrace\nAda\n")) << request;
+        EXPECT_EQ(jumpDepth(), 0);
+    }
+    EXPECT_GT(request, 50);
+}
+
+/// Cannot be drawn at first.
+class UndrawableText : public PDFAnnotation
+{
+public:
+    using PDFAnnotation::PDFAnnotation;
+
+protected:
+    void draw(QPainter& painter, const QSizeF& size) const override
+    {
+        if (!std::exchange(m_hasBeenDrawn, true))
+            throw std::bad_alloc();
+        PDFAnnotation::draw(painter, size);
+    }
+
+private:
+    mutable bool m_hasBeenDrawn = false;
+};
+
+TEST_F(PlacingInMemoryShortageTest, DrawsLaterWhatItCannotDraw)
+{
+    const auto document = *PDFDocument::open(m_folder.path(QStringLiteral("document.pdf")));
+    const auto page = document->page(1);
+    const auto first =
+        std::make_shared<UndrawableText>(QRectF(10, 10, 90, 20), PDFAnnotation::Subtype::freeText);
+    const auto second =
+        std::make_shared<PDFAnnotation>(QRectF(10, 40, 90, 20), PDFAnnotation::Subtype::freeText);
+    first->setContents(QStringLiteral("first"));
+    second->setContents(QStringLiteral("second"));
+    page->addAnnotation(first);
+    page->addAnnotation(second);
+    const auto list = page->annotationDisplayList();
+    ASSERT_FALSE(list);
+    EXPECT_EQ(list.error().code, Code::limitExceeded);
+    EXPECT_EQ(page->annotations(), (std::vector<std::shared_ptr<PDFAnnotation>>{first, second}));
+    EXPECT_EQ(page->string(), QStringLiteral("The second page has others\nsecond\nfirst\n"));
 }
 
 bool isDrawn(const Result<PDFDisplayList>& list)

@@ -167,6 +167,14 @@ TEST(PDFPageTextTest, ReadsUnevenlySpacedLettersAsWords)
     EXPECT_EQ(page->string(), QStringLiteral("Property Tax\n"));
 }
 
+TEST(PDFPageTextTest, KeepsSpacedWordsApartThatStandCloseTogether)
+{
+    const auto page = pageShowing(
+        "BT /F1 12 Tf 72 700 Td [(P) -150 (r) -150 (i) -150 (c) -150 (e) -360 (l) -150 (i) -150 (s) -150 "
+        "(t)] TJ ET");
+    EXPECT_EQ(page->string(), QStringLiteral("Price list\n"));
+}
+
 TEST(PDFPageTextTest, ReadsAnEvenlySpacedWordAsOne)
 {
     const auto page = pageShowing("BT /F1 12 Tf 4 Tc 72 700 Td (INVOICE) Tj ET");

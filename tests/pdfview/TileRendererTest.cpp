@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/TileRenderer.h"
 
+#include "pdf/Engine.h"
+#include "pdf/Limits.h"
 #include "pdf/PDFAnnotation.h"
 #include "pdf/PDFDisplayList.h"
 #include "pdf/PDFDocument.h"
@@ -169,6 +171,34 @@ TEST_F(TileRendererTest, UnpacksAPictureOnceForAllTilesOfAPage)
     renderer.want(tiles);
     EXPECT_EQ(only<TileRenderer::TileDrawn>(finish(renderer)).size(), tiles.size());
     EXPECT_EQ(unpackedPictures, 1);
+}
+
+TEST_F(TileRendererTest, KeepsTheDrawingsOfPagesOnlyAsFarAsThereIsRoom)
+{
+    // Some megabytes as a list.
+    QByteArray content;
+    for (int i = 0; i < 40'000; ++i)
+        content += QByteArray::number(i % 600) + ' ' + QByteArray::number(i / 60) + " 1 1 re f\n";
+    constexpr int pages = 5;
+    PDFWriter writer;
+    for (int page = 0; page < pages; ++page)
+        writer.addPage(content);
+    const auto document = this->document(writer);
+    std::size_t sizeOfOne = 0;
+    const std::size_t before = engine::memoryInUse();
+    {
+        const auto list = document->page(0)->contentDisplayList();
+        ASSERT_TRUE(list);
+        sizeOfOne = engine::memoryInUse() - before;
+    }
+    ASSERT_GT(sizeOfOne * (pages - 1), limits::kept::displayLists);
+    TileRenderer renderer(document);
+    for (int page = 0; page < pages; ++page) {
+        renderer.want({Tile::wholePage(page)});
+        EXPECT_EQ(only<TileRenderer::TileDrawn>(finish(renderer)).size(), 1U);
+    }
+    const std::size_t most = std::max(limits::kept::displayLists, sizeOfOne);
+    EXPECT_LT(engine::memoryInUse() - before, most + (std::size_t{2} << 20));
 }
 
 TEST_F(TileRendererTest, DrawsNoSmallPictureWhereASharpOneTakesNoLonger)
