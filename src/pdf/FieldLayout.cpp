@@ -162,37 +162,41 @@ layOutOptions(const PDFFormField& field, QSizeF size, double inset, int top, con
 {
     FieldLayout layout;
     layout.clip = insideOf(size, inset);
-    layout.fontSize = optionSize(field);
+    const FormFieldRows rows = optionRows(field, inset);
+    layout.fontSize = rows.fontSize;
     const double padding = 2.0 * inset;
-    const double height = optionHeight(field);
-    double y = size.height() - inset;
+    double y = size.height() - rows.top;
     for (auto i = static_cast<std::size_t>(top); i < field.options.size() && y > inset; ++i) {
         const QString text = printable(field.options[i].displayText);
         if (std::binary_search(field.selection.begin(), field.selection.end(), static_cast<int>(i)))
-            layout.highlights.emplace_back(inset, y - height, layout.clip.width(), height);
-        const double x =
-            alignedX(field.alignment, padding, size.width() - padding, font.width(text) * layout.fontSize);
-        layout.lines.push_back({text, QPointF(x, y - FieldFont::ascent * layout.fontSize)});
-        y -= height;
+            layout.highlights.emplace_back(inset, y - rows.height, layout.clip.width(), rows.height);
+        const double x = rows.left ? *rows.left
+                                   : alignedX(
+                                         field.alignment, padding, size.width() - padding,
+                                         font.width(text) * layout.fontSize);
+        layout.lines.push_back({text, QPointF(x, y - rows.baseline)});
+        y -= rows.height;
     }
     return layout;
 }
 
-double optionSize(const PDFFormField& field)
+FormFieldRows optionRows(const PDFFormField& field, double inset)
 {
-    return field.fontSize > 0.0 ? field.fontSize : paragraphSize;
-}
-
-double optionHeight(const PDFFormField& field)
-{
-    return FieldFont::lineHeight * optionSize(field);
+    if (field.rows)
+        return *field.rows;
+    FormFieldRows rows;
+    rows.fontSize = field.fontSize > 0.0 ? field.fontSize : paragraphSize;
+    rows.top = inset;
+    rows.height = FieldFont::lineHeight * rows.fontSize;
+    rows.baseline = FieldFont::ascent * rows.fontSize;
+    return rows;
 }
 
 int topOption(const PDFFormField& field, QSizeF size, double inset)
 {
     const int count = static_cast<int>(field.options.size());
-    const double height = optionHeight(field);
-    const int visible = std::max(1, static_cast<int>((size.height() - 2.0 * inset) / height));
+    const FormFieldRows rows = optionRows(field, inset);
+    const int visible = std::max(1, static_cast<int>((size.height() - rows.top - inset) / rows.height));
     const int highest = std::clamp(field.topOption, 0, std::max(0, count - 1));
     if (field.selection.empty())
         return highest;

@@ -44,9 +44,8 @@ layOutOptions(const PDFFormField& field, QSizeF size, double inset, int top, con
 /// selected is in sight then.
 int topOption(const PDFFormField& field, QSizeF size, double inset);
 
-/// The font size of a list box, and from one of its options to the next.
-double optionSize(const PDFFormField& field);
-double optionHeight(const PDFFormField& field);
+/// Where the rows of a list box are: where its appearance has them, else below one another without gaps.
+FormFieldRows optionRows(const PDFFormField& field, double inset);
 
 /// Breaks the text into lines no wider than the width, which is in parts of the font size: at line feeds,
 /// else between words, else between characters.

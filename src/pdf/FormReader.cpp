@@ -5,6 +5,7 @@
 #include "pdf/FieldTree.h"
 #include "pdf/Handles.h"
 #include "pdf/Limits.h"
+#include "pdf/OptionRows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -192,6 +193,8 @@ bool readWidget(fz_context* ctx, DocumentHandle& document, pdf_obj* widget, Fiel
     if (field.kind != FormFieldKind::text)
         readOptions(ctx, widget, field);
     record.field.topOption = pdf_to_int(ctx, inherited(ctx, widget, PDF_NAME(TI)));
+    if (field.kind == FormFieldKind::listBox)
+        readOptionRows(ctx, widget, field);
     readValues(ctx, widget, record);
     return true;
 }

@@ -39,6 +39,20 @@ struct FormWidget
     friend bool operator==(const FormWidget&, const FormWidget&) = default;
 };
 
+/// Where a list box shows its options. In points, for the field as it is read, that is before it is turned.
+struct FormFieldRows
+{
+    double fontSize = 0.0;
+    /// From the upper edge of the field to that of the first row.
+    double top = 0.0;
+    /// From one row to the next.
+    double height = 0.0;
+    /// From the upper edge of a row to the line that its text stands on.
+    double baseline = 0.0;
+    /// From the left edge of the field to the texts; absent where they are aligned otherwise.
+    std::optional<double> left;
+};
+
 /// A form field at one of the places where it is shown, as it was when it was read: a plain value. A field
 /// with several widgets is read once for each of them, and all show the same value; of radio buttons and of
 /// check boxes with different states each shows whether it is the one that is on.
@@ -91,6 +105,8 @@ struct PDFFormField
     bool isMultipleChoice = false;
     /// The index of the option that the document wants at the top of a list box.
     int topOption = 0;
+    /// Of a list box: where its appearance shows the options; absent where that cannot be told.
+    std::optional<FormFieldRows> rows;
 
     // Check boxes and radio buttons.
     /// The name of the state in which this widget is on.

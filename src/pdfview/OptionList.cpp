@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "pdfview/OptionList.h"
 
-#include "pdf/FieldFont.h"
 #include "pdf/FieldLayout.h"
 #include "pdfview/LineFieldEditor.h"
 
@@ -76,34 +75,34 @@ OptionList::OptionList(QWidget* parent)
 void OptionList::layOut(const PDFFormField& field, const QRectF& rect, double scale)
 {
     const double inset = borderInset(field);
-    const double height = optionHeight(field);
-    const double size = optionSize(field);
-    const double inside = rect.height() / scale - 2.0 * inset;
+    const FormFieldRows rows = optionRows(field, inset);
+    const double lastBaseline = rows.top + (count() - 1) * rows.height + rows.baseline;
     // What may hang below the last row is no reason to scroll.
-    const bool fits = count() * height - inside <= -FieldFont::descent * size;
+    const bool fits = lastBaseline <= rect.height() / scale - inset;
 
     const QRect covered = rect.toAlignedRect();
     const double offset = rect.top() - covered.top();
-    const int top = rounded(offset + inset * scale);
+    const int top = rounded(offset + rows.top * scale);
     const int bottom = std::max(top + 1, rounded(offset + rect.height() - inset * scale));
     m_heights.clear();
     int end = top;
     for (int row = 0; row < count(); ++row) {
         const int start = end;
-        end = rounded(offset + (inset + (row + 1) * height) * scale);
+        end = rounded(offset + (rows.top + (row + 1) * rows.height) * scale);
         m_heights.push_back(std::max(1, (fits ? std::min(end, bottom) : end) - start));
     }
-    m_margin = rounded(inset * scale);
-    m_baseline = rounded(FieldFont::ascent * size * scale);
+    const int edge = rounded(inset * scale);
+    m_margin = std::max(0, rounded(rows.left.value_or(2.0 * inset) * scale) - edge);
+    m_baseline = rounded(rows.baseline * scale);
     m_alignment = alignmentOf(field);
     QFont textFont = font();
-    textFont.setPixelSize(std::max(1, rounded(size * scale)));
+    textFont.setPixelSize(std::max(1, rounded(rows.fontSize * scale)));
     setFont(textFont);
 
     const int barWidth = fits ? 0 : verticalScrollBar()->sizeHint().width();
     const bool hasRoom = covered.left() + covered.width() + barWidth <= parentWidget()->width();
     setVerticalScrollBarPolicy(fits ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAlwaysOn);
-    setViewportMargins(m_margin, top, m_margin, covered.height() - bottom);
+    setViewportMargins(edge, top, edge, covered.height() - bottom);
     setGeometry(covered.adjusted(0, 0, hasRoom ? barWidth : 0, 0));
     doItemsLayout();
 }

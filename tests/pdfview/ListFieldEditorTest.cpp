@@ -27,6 +27,24 @@ protected:
         showForm({700, 900});
     }
 
+    /// Shows a list of five options whose appearance another program made, with wide rows; Option 1 is
+    /// selected.
+    void showWideList()
+    {
+        QByteArray content = "1 1 117.7 98 re W n 0.6 0.756 0.855 rg 0 " +
+                             QByteArray::number(100 - wideTop - 2 * wideHeight) + " 119.7 " +
+                             QByteArray::number(wideHeight) + " re f BT 0 g /Helv 12 Tf " +
+                             QByteArray::number(wideHeight) + " TL 6 84 Td";
+        for (int i = 0; i < 5; ++i)
+            content += "(Option " + QByteArray::number(i) + ") Tj T* ";
+        const int font = m_file.writer().add("<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>");
+        const int appearance = m_file.writer().addStream(
+            content + "ET", "/Type/XObject/Subtype/Form/BBox[0 0 119.7 100]/Resources<</Font<</Helv " +
+                                QByteArray::number(font) + " 0 R>>>>");
+        m_rowHeight = wideHeight;
+        showList(5, "/V(Option 1)/AP<</N " + QByteArray::number(appearance) + " 0 R>>");
+    }
+
     /// Selects an option and waits until the page shows it.
     void select(int option)
     {
@@ -43,7 +61,7 @@ protected:
         // Until the tiles of this scale are there, those of another one stand in for them.
         ASSERT_TRUE(QTest::qWaitFor([&] {
             const auto now = selectedRow();
-            const double height = 12 * 1.156 * scale;
+            const double height = m_rowHeight * scale;
             return std::abs(now.second - now.first - height) <= 1.5 && std::exchange(before, now) == now;
         }));
     }
@@ -73,6 +91,10 @@ protected:
         QTest::mouseClick(m_view->viewport(), Qt::LeftButton, {}, {x, (row.first + row.second) / 2});
         return editor<QListWidget>();
     }
+
+    static constexpr double wideTop = 3.0;
+    static constexpr double wideHeight = 18.0;
+    double m_rowHeight = 12 * 1.156;
 };
 
 TEST_F(ListFieldEditorTest, RowsLieWhereThePageShowsThem)
@@ -91,6 +113,30 @@ TEST_F(ListFieldEditorTest, RowsLieWhereThePageShowsThem)
             EXPECT_EQ(list->currentRow(), option);
             QTest::keyClick(list, Qt::Key_Escape);
         }
+    }
+}
+
+TEST_F(ListFieldEditorTest, RowsStayWhereAnotherProgramHasPutThem)
+{
+    showWideList();
+    int option = 1;
+    for (const int next : {4, 0, 3, 2}) {
+        for (const double scale : {1.0, 1.37, 2.0}) {
+            zoom(scale);
+            const double top = rectOf(field("list")).top() + (wideTop + option * wideHeight) * scale;
+            const auto shown = selectedRow();
+            EXPECT_NEAR(shown.first, top, 1) << option << " at " << scale;
+            EXPECT_NEAR(shown.second, top + wideHeight * scale, 1) << option << " at " << scale;
+            QListWidget* list = open();
+            ASSERT_NE(list, nullptr);
+            EXPECT_FALSE(list->verticalScrollBar()->isVisible());
+            const auto edited = selectedRow();
+            EXPECT_NEAR(edited.first, shown.first, 1) << option << " at " << scale;
+            EXPECT_NEAR(edited.second, shown.second, 1) << option << " at " << scale;
+            QTest::keyClick(list, Qt::Key_Escape);
+        }
+        select(next);
+        option = next;
     }
 }
 
