@@ -85,6 +85,9 @@ void PageHandle::load(fz_context* ctx, pdf_obj* pageObject, int pageIndex)
     object = pdf_keep_obj(ctx, pageObject);
     mediaBox = inheritedBox(ctx, object, PDF_NAME(MediaBox), defaultBox);
     cropBox = inheritedBox(ctx, object, PDF_NAME(CropBox), mediaBox);
+    // As in DisjointBoxes.cpp: a crop box beside the page is none.
+    if (fz_is_empty_rect(fz_intersect_rect(mediaBox, cropBox)))
+        cropBox = mediaBox;
     loadGeometry(ctx);
 }
 

@@ -2,9 +2,11 @@
 #include "pdf/PDFPage.h"
 #include "pdf/PDFDocument.h"
 #include "support/PDFWriter.h"
+#include "support/Printing.h"
 
 #include <gtest/gtest.h>
 
+#include <QImage>
 #include <QTransform>
 
 namespace pdf {
@@ -37,6 +39,28 @@ TEST(PDFPageTest, NormalisesABoxWhoseCornersAreSwapped)
 {
     const auto page = pageWith("/MediaBox[200 300 0 0]");
     EXPECT_EQ(page->bounds(DisplayBox::mediaBox), QRectF(0, 0, 200, 300));
+}
+
+TEST(PDFPageTest, IsShownWholeWhereItsCropBoxLiesBesideIt)
+{
+    const TestFolder folder;
+    PDFWriter writer;
+    writer.addPage(
+        showText(72, 700, "Text on the page") + "1 0 0 rg 100 100 200 200 re f",
+        "/MediaBox[0 0 612 792]/CropBox[1000 1000 1200 1200]/Rotate 90");
+    const auto document = PDFDocument::open(folder.write(QStringLiteral("page.pdf"), writer.bytes()));
+    ASSERT_TRUE(document);
+    const auto page = (*document)->page(0);
+    EXPECT_EQ(page->bounds(DisplayBox::cropBox), QRectF(0, 0, 612, 792));
+    EXPECT_EQ(page->displaySize(), QSizeF(792, 612));
+    EXPECT_EQ(page->string(), QStringLiteral("Text on the page\n"));
+    const auto list = page->contentDisplayList();
+    ASSERT_TRUE(list);
+    QImage image(792, 612, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    ASSERT_TRUE(list->draw(image, {}, 1));
+    EXPECT_EQ(image.pixelColor(page->pageToDisplay().map(QPointF(200, 200)).toPoint()), QColor(Qt::red));
+    EXPECT_FALSE((*document)->isModified());
 }
 
 TEST(PDFPageTest, MapsTheCropBoxToTheDisplaysOrigin)
