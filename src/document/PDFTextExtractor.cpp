@@ -101,10 +101,22 @@ PageText withoutText(std::int64_t pageNumber)
     return {pageNumber, QString(), false, std::nullopt};
 }
 
+enum class WordBoxes { absent, none, all };
+
+/// About what the boxes take in memory.
+std::size_t bytesOf(const std::vector<TextBoundingBox>& boxes)
+{
+    constexpr std::size_t headerOfText = 32;
+    std::size_t bytes = 0;
+    for (const TextBoundingBox& box : boxes)
+        bytes += sizeof(box) + headerOfText + sizeof(QChar) * static_cast<std::size_t>(box.text.size());
+    return bytes;
+}
+
 /// The page's text with its word boxes, if they are wanted; absent where it costs too much or the reading was
 /// cancelled.
 std::optional<PageText> readPage(
-    int index, pdf::PDFPage& page, const pdf::Cancellation& cancellation, bool withBoxes,
+    int index, pdf::PDFPage& page, const pdf::Cancellation& cancellation, WordBoxes wanted,
     const pdf::ProcessorBudget& budget)
 {
     const auto layer = page.text(cancellation);
@@ -114,7 +126,9 @@ std::optional<PageText> readPage(
     if (isBlank(text))
         return withoutText(index);
     std::optional<std::vector<TextBoundingBox>> boxes;
-    if (withBoxes)
+    if (wanted == WordBoxes::none)
+        boxes.emplace();
+    else if (wanted == WordBoxes::all)
         boxes = extractBoundingBoxes(text, page, budget);
     if (budget.isSpent())
         return std::nullopt;
@@ -151,13 +165,15 @@ public:
         for (int first = m_next.fetch_add(pagesPerTurn); first < pageCount;
              first = m_next.fetch_add(pagesPerTurn)) {
             const int last = std::min(first + pagesPerTurn, pageCount);
-            for (int index = first; index < last && !m_cancellation.isCancelled(); ++index) {
+            for (int index = first; index < last && !isOver(); ++index) {
                 read(document, index);
                 if (m_options.onPageRead)
                     m_options.onPageRead();
             }
         }
     }
+
+    bool isTooMuch() const { return m_textBytes > m_options.textMemory; }
 
     /// The pages that could be fetched, in page order.
     PDFTextExtractor::Reading takeResult()
@@ -180,16 +196,33 @@ private:
         bool isAbandoned = false;
     };
 
+    bool isOver() const { return m_cancellation.isCancelled() || isTooMuch(); }
+
+    WordBoxes wantedBoxes() const
+    {
+        if (!m_options.withBoxes)
+            return WordBoxes::absent;
+        return m_boxBytes < m_options.boxMemory ? WordBoxes::all : WordBoxes::none;
+    }
+
+    void count(const PageText& page)
+    {
+        m_textBytes += sizeof(QChar) * static_cast<std::size_t>(page.text.size());
+        if (page.boundingBoxes)
+            m_boxBytes += bytesOf(*page.boundingBoxes);
+    }
+
     void read(pdf::PDFDocument& document, int index)
     {
         Page& result = m_pages[static_cast<std::size_t>(index)];
         const pdf::ProcessorBudget budget(m_options.pageTime);
         const auto page = document.page(index);
         if (page) {
-            result.text = readPage(index, *page, m_cancellation, m_options.withBoxes, budget);
+            result.text = readPage(index, *page, m_cancellation, wantedBoxes(), budget);
             result.isAbandoned = !result.text;
             if (result.isAbandoned)
                 result.text = withoutText(index);
+            count(*result.text);
         } else {
             result.isAbandoned = budget.isSpent();
         }
@@ -198,6 +231,8 @@ private:
     const pdf::Cancellation m_cancellation;
     const ReadingOptions& m_options;
     std::atomic<int> m_next = 0;
+    std::atomic<std::size_t> m_textBytes = 0;
+    std::atomic<std::size_t> m_boxBytes = 0;
     std::vector<Page> m_pages;
 };
 
@@ -256,6 +291,11 @@ pdf::Result<PDFTextExtractor::Reading> PDFTextExtractor::readDocument(
     }
     if (cancellation.isCancelled())
         return pdf::PDFError{pdf::PDFError::Code::cancelled, QStringLiteral("the reading was cancelled")};
+    if (reading.isTooMuch())
+        return pdf::PDFError{
+            pdf::PDFError::Code::limitExceeded,
+            QCoreApplication::translate(
+                "PDFTextExtractor", "its text needs more memory than one file may use")};
     if (!(*document)->isFileIntact())
         return pdf::changedMeanwhile();
     return reading.takeResult();

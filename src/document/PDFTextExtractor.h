@@ -13,6 +13,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -31,6 +32,12 @@ struct ReadingOptions
     bool withBoxes = true;
     /// The processor time that a page may take, boxes included.
     std::chrono::milliseconds pageTime = pdf::limits::operation;
+    /// About the memory that the word boxes of all pages may take together. Pages whose boxes would take more
+    /// have an empty array of them.
+    std::size_t boxMemory = std::size_t{256} << 20;
+    /// The same for the texts. A document whose texts take more is refused as a whole: no ordinary one comes
+    /// near it, and a part of its pages would pass for all.
+    std::size_t textMemory = std::size_t{1} << 30;
 };
 
 /// Reads the text layer of a PDF into the window's document state. All work happens on the extractor's own

@@ -180,5 +180,35 @@ TEST_F(ReadDocumentTest, ACancelledReadingSaysSo)
     EXPECT_EQ(reading.error().code, Code::cancelled);
 }
 
+TEST_F(ReadDocumentTest, LeavesOutWordBoxesBeyondTheirShareOfMemoryAndNoText)
+{
+    const QString path = m_folder.write(QStringLiteral("words.pdf"), textPages(40, "a few words").bytes());
+    const auto whole = read(path, {});
+    ASSERT_TRUE(whole);
+    const auto bounded = read(path, {.boxMemory = 1000});
+    ASSERT_TRUE(bounded);
+    ASSERT_EQ(bounded->pageTexts.size(), 40U);
+    std::size_t withBoxes = 0;
+    for (std::size_t i = 0; i < 40; ++i) {
+        EXPECT_EQ(bounded->pageTexts[i].text, whole->pageTexts[i].text);
+        ASSERT_TRUE(bounded->pageTexts[i].boundingBoxes) << "a page with text has boxes, if none";
+        EXPECT_EQ(whole->pageTexts[i].boundingBoxes->size(), 4U);
+        withBoxes += bounded->pageTexts[i].boundingBoxes->empty() ? 0 : 1;
+    }
+    EXPECT_GT(withBoxes, 0U);
+    EXPECT_LT(withBoxes, 10U);
+    EXPECT_TRUE(bounded->abandonedPages.empty());
+}
+
+TEST_F(ReadDocumentTest, RefusesADocumentWhoseTextsTakeTooMuchMemory)
+{
+    const QString path = m_folder.write(QStringLiteral("words.pdf"), textPages(40, "a few words").bytes());
+    // Each page has fifteen characters or sixteen.
+    EXPECT_TRUE(read(path, {.textMemory = 40 * 16 * 2}));
+    const auto refused = read(path, {.textMemory = 20 * 16 * 2});
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().code, Code::limitExceeded);
+}
+
 } // namespace
 } // namespace quillo
