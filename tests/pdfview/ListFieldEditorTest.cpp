@@ -52,6 +52,8 @@ protected:
         QSignalSpy refreshed(m_view.get(), &PDFView::annotationsRefreshed);
         m_view->refreshAnnotations(0);
         ASSERT_TRUE(!refreshed.isEmpty() || refreshed.wait());
+        // Until then the small picture of the page may stand in for it.
+        ASSERT_TRUE(QTest::qWaitFor([&] { return m_view->isSharp(); }));
     }
 
     void zoom(double scale)
