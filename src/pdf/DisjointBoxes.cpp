@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include <mupdf/pdf.h>
 
+#include <initializer_list>
+
 // The visible part of a page is its crop box within its media box (ISO 32000-1, 14.11.2). Where the two have
 // nothing in common, that is nothing at all, and MuPDF shows an empty page of some size. Such a crop box is a
 // mistake of the writer's, and what is on the page is shown as without it. The linker leads the questions for
