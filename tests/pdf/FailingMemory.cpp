@@ -21,6 +21,13 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    if (requestsLeft > 0 && --requestsLeft == 0)
+        return nullptr;
+    return std::malloc(size > 0 ? size : 1);
+}
+
 void operator delete(void* block) noexcept
 {
     std::free(block);
