@@ -358,10 +358,11 @@ void collectAnnotations(fz_context* ctx, PageHandle& handle, PageGlyphs& glyphs,
     pdf_page* page = handle.loadContents(ctx);
     const PageGeometry geometry = handle.geometry();
     std::size_t mostGlyphs = limits::glyphsPerPage - glyphs.content.glyphs().size();
-    for (pdf_annot* next = pdf_first_annot(ctx, page); next && !cookie->abort;
+    const CookieScope& scope = *CookieScope::current();
+    for (pdf_annot* next = pdf_first_annot(ctx, page); next && !scope.isStopped();
          next = pdf_next_annot(ctx, next))
         collectAnnotation(ctx, geometry, next, glyphs, mostGlyphs, cookie);
-    for (pdf_annot* next = pdf_first_widget(ctx, page); next && !cookie->abort;
+    for (pdf_annot* next = pdf_first_widget(ctx, page); next && !scope.isStopped();
          next = pdf_next_widget(ctx, next))
         collectAnnotation(ctx, geometry, next, glyphs, mostGlyphs, cookie);
 }

@@ -47,6 +47,11 @@ TEST_F(ReadDocumentTest, GivesUpOnSlowPagesOnlyAndOnTheSameInEveryRun)
     constexpr int slowPages = 12;
     constexpr int ordinaryPages = 40;
     constexpr int wordsPerLine = 50;
+#ifdef __SANITIZE_THREAD__
+    constexpr auto pageTime = 2000ms;
+#else
+    constexpr auto pageTime = 200ms;
+#endif
     PDFWriter writer;
     addEndlessPages(writer, slowPages);
     // Full ones, which cost some milliseconds each.
@@ -60,7 +65,7 @@ TEST_F(ReadDocumentTest, GivesUpOnSlowPagesOnlyAndOnTheSameInEveryRun)
     std::iota(expected.begin(), expected.end(), 0);
 
     for (int run = 0; run < 2; ++run) {
-        const auto reading = read(path, {.pageTime = 200ms});
+        const auto reading = read(path, {.pageTime = pageTime});
         ASSERT_TRUE(reading);
         EXPECT_EQ(reading->abandonedPages, expected);
         ASSERT_EQ(reading->pageTexts.size(), std::size_t{slowPages + ordinaryPages});
